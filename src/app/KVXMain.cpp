@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/KVXMain.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+#include "panels/frm5.h"
+#include "platform/machine_error.h"
+#include "shell/Common.h"
+
+namespace brelant {
+
+namespace {
+
+constexpr float kProbeSeconds = 2.0F;
+constexpr std::int32_t kWholeRam = 8;
+constexpr const char* kUnknownSensor = "Unknown sensor type, can't connect to sensor.";
+
+/// Which panel shows which sensors.
+struct PanelChoice {
+  int platform;
+  float firstVariant;
+  float lastVariant;
+  const char* panel;
+};
+
+constexpr std::array kPanelChoices{
+    PanelChoice{5, 0, 0, "frm5"},
+};
+
+const PanelChoice* ChoiceFor(int platform, float variant) {
+  const auto found = std::find_if(kPanelChoices.begin(), kPanelChoices.end(), [&](const PanelChoice& choice) {
+    return choice.platform == platform && variant >= choice.firstVariant && variant <= choice.lastVariant;
+  });
+  return found == kPanelChoices.end() ? nullptr : &*found;
+}
+
+bool IsSimulationFile(const std::string& name) {
+  std::string ending = name.size() < 4 ? "" : name.substr(name.size() - 4);
+  std::transform(ending.begin(), ending.end(), ending.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return ending == ".sim";
+}
+
+}  // namespace
+
+KVXMain::KVXMain(const PanelContext& context, SerialLink& link, snsFil& file, frmSim& sim,
+                 std::string applicationPath)
+    : context_(context), link_(link), file_(file), sim_(sim), applicationPath_(std::move(applicationPath)) {
+  context_.EndSession = [this] { EndSession(); };
+}
+
+void KVXMain::Main() {
+  auto& session = context_.session;
+  session.sessionOver = false;
+  session.PanelCommand = 0;
+  session.AppDir = applicationPath_ + "\\";
+  FillPanelList();
+  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
+  bool ask = context_.comSet.cbxDontShow.Value() == 0;
+  while (!session.processOver) {
+    if (ask) AskForSettings();
+    // After a failure the dialog comes back, also when the user has switched it off.
+    ask = true;
+    if (session.processOver) return;
+    const auto outcome = Start();
+    if (session.processOver || outcome == Outcome::started) return;
+    context_.msg.ShowProgress("", true, nullptr);
+    const bool silent = session.LastError.empty() || session.LastError == kCancelled;
+    if (outcome == Outcome::failedAndTold || !silent) ShowMessage(session.LastError);
+  }
+}
+
+void KVXMain::FillPanelList() {
+  if (!panelList_.empty()) return;
+  panelList_.push_back({"frm5", [this] { return std::make_unique<frm5>(context_); }});
+}
+
+void KVXMain::AskForSettings() {
+  auto& dialog = context_.comSet;
+  context_.session.LastError.clear();
+  dialog.Show();
+  while (dialog.form.Visible() && !context_.session.processOver) {
+    context_.machine.pump.Wait(std::chrono::microseconds::max());
+  }
+}
+
+KVXMain::Outcome KVXMain::Start() {
+  auto& dialog = context_.comSet;
+  link_.SetCommPort(dialog.txbComPort.Text());
+  // So that a second attempt does not meet the flags of the first sensor.
+  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
+  const bool simulated = dialog.optStartMode[frmComSet::simulatedMode].Value() == 1;
+  const auto outcome = simulated ? LoadSimulation() : ConnectSensor();
+  if (outcome != Outcome::started) return outcome;
+  if (!PreparePanel(simulated)) return Outcome::failed;
+  ShowPanel(simulated);
+  return Outcome::started;
+}
+
+KVXMain::Outcome KVXMain::ConnectSensor() {
+  auto& dialog = context_.comSet;
+  auto& session = context_.session;
+  if (dialog.optStartMode[frmComSet::singleSensor].Value() == 1) session.SensorId = kBroadcastId;
+  if (dialog.optStartMode[frmComSet::networkSensor].Value() == 1) {
+    session.SensorId = ParseNumber(dialog.txbID.Text());
+  }
+  context_.msg.ShowProgress("Please wait", true, nullptr);
+  // A failed probe is told even when there is nothing to tell.
+  if (!link_.ProbePort(kProbeSeconds)) return Outcome::failedAndTold;
+  return ReadPartNumber() ? Outcome::started : Outcome::failed;
+}
+
+bool KVXMain::ReadPartNumber() {
+  if (context_.comSet.optComProt[frmComSet::kiBus].Value() == 1) {
+    return context_.com.ReadSensorMemory(0, 65, 1, false, false);
+  }
+  // No sensor that this release has a panel for speaks Modbus.
+  context_.session.Fail("Can't read from sensor");
+  return false;
+}
+
+KVXMain::Outcome KVXMain::LoadSimulation() {
+  auto& session = context_.session;
+  FillSimulationList();
+  sim_.form.ShowModal(context_.machine.pump, [&session] { return session.Over(); });
+  if (session.LastError == kCancelled) return Outcome::failed;
+  context_.msg.ShowProgress("Please wait", true, nullptr);
+  const auto& choice = sim_.cmbTypeOfS.Text();
+  if (choice == "Vega 3") {
+    PresetVega3();
+    return Outcome::started;
+  }
+  const auto name = session.AppDir + (choice == "Last" ? "\\Last.set" : "\\" + choice + ".sim");
+  std::uint8_t block = snsFil::first;
+  return file_.ReadSetBlock(name, block, true, true) ? Outcome::started : Outcome::failed;
+}
+
+/// Once per process.
+void KVXMain::FillSimulationList() {
+  auto& list = sim_.cmbTypeOfS;
+  if (!list.Items().empty()) return;
+  std::vector<std::string> names;
+  for (const auto& name : context_.machine.files.List(context_.session.AppDir)) {
+    if (IsSimulationFile(name)) names.push_back(name.substr(0, name.size() - 4));
+  }
+  if (names.empty()) return;
+  list.SetItems(names);
+  list.SetValue(0);
+  list.SetText(names.front());
+}
+
+/// The safety system is simulated without a file.
+void KVXMain::PresetVega3() {
+  auto& image = context_.image;
+  image.RamImage[65] = 154;
+  image.RamValid[65] = true;
+  image.EepromImage[4124] = 117;
+  image.EepromImage[4125] = 3;
+  image.EepromValid[4124] = image.EepromValid[4125] = true;
+}
+
+bool KVXMain::PreparePanel(bool simulated) {
+  if (!ReadImage(simulated)) return false;
+  const auto* choice = ChoiceFor(context_.info.GetPlatform(), context_.info.GetProductVariant());
+  const auto entry = std::find_if(panelList_.begin(), panelList_.end(), [&](const PanelEntry& candidate) {
+    return choice != nullptr && candidate.name == choice->panel;
+  });
+  if (entry == panelList_.end()) {
+    context_.session.LastError = kUnknownSensor;
+    return false;
+  }
+  panel_ = entry->make();
+  context_.session.CurrentPanel = panel_.get();
+  panel_->form.SetCaption(kApplication);
+  return panel_->FormUpdateInit() && panel_->FormUpdate();
+}
+
+/// What the panel of the attached platform needs before it can be chosen and filled.
+bool KVXMain::ReadImage(bool simulated) {
+  switch (context_.info.GetPlatform()) {
+    case 5:
+      if (!context_.definitions.LoadDefinition()) return false;
+      if (simulated) return true;
+      context_.msg.ShowProgress("Reading sensor", false, nullptr);
+      return context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false);
+    default:
+      context_.session.LastError = kUnknownSensor;
+      return false;
+  }
+}
+
+void KVXMain::ShowPanel(bool simulated) {
+  auto& panel = *panel_;
+  panel.SimMode(simulated);
+  panel.cbxSimulated.SetVisible(!simulated);
+  for (auto* control : {&panel.mReadfromsensor, &panel.mSendtosensor, &panel.mCalibrate,
+                        &panel.btnReadFromSensor, &panel.btnSendToSensor}) {
+    control->SetEnabled(!simulated);
+  }
+  panel.form.SetCaption(simulated ? std::string(kApplication) + " Simulated mode" : kApplication);
+  panel.mComSet.SetValue(context_.comSet.cbxDontShow.Value() == 1 ? 0 : 1);
+  context_.msg.ShowProgress("", true, &panel.form);
+  panel.form.Show();
+}
+
+void KVXMain::EndSession() {
+  auto& session = context_.session;
+  if (session.sessionOver) return;
+  session.sessionOver = true;
+  auto* panel = session.CurrentPanel;
+  if (panel != nullptr && panel->form.Visible()) {
+    panel->FormRead();
+    SaveLastSettings();
+    panel->form.Hide();
+  }
+  link_.Close();
+  context_.msg.ShowProgress("", true, nullptr);
+  if (context_.comSet.cbxDontShow.Value() == 1) session.processOver = true;
+}
+
+/// A platform without a settings block leaves no file behind, not even the old one.
+void KVXMain::SaveLastSettings() {
+  const auto name = context_.session.AppDir + "\\last.set";
+  std::uint8_t block = file_.BlockOfPlatform();
+  if (block != snsFil::first) {
+    file_.SaveSettings(block, name, 1, false, true);
+    return;
+  }
+  try {
+    if (context_.machine.files.Exists(name)) context_.machine.files.Remove(name);
+  } catch (const MachineError&) {
+    // A file that cannot be removed must not keep the session from ending.
+    return;
+  }
+}
+
+void KVXMain::ShowMessage(const std::string& text) {
+  context_.machine.userInterface.MessageBox(text, UserInterface::Buttons::ok, "", UserInterface::Icon::none);
+}
+
+}  // namespace brelant

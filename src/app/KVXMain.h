@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "comm/snscom.h"
+#include "knowledge/SnsInfo.h"
+#include "knowledge/definitions.h"
+#include "knowledge/snsFil.h"
+#include "panels/PanelFrame.h"
+#include "platform/machine.h"
+#include "shell/frmComSet.h"
+#include "shell/frmMsg.h"
+#include "shell/frmSim.h"
+#include "shell/panel.h"
+#include "shell/session.h"
+
+namespace brelant {
+
+/// The start and the end of a session (docs/architecture.md, Sessions). A session is one connection to one
+/// sensor, one simulated sensor or one settings file.
+class KVXMain {
+ public:
+  struct PanelEntry {
+    std::string name;
+    std::function<std::unique_ptr<Panel>()> make;
+  };
+
+  KVXMain(const PanelContext& context, SerialLink& link, snsFil& file, frmSim& sim,
+          std::string applicationPath);
+
+  /// Takes the program from nothing to a panel on the screen; returns with the panel shown, or with the
+  /// process over.
+  void Main();
+  /// Ends the session at once; the loops see that and unwind.
+  void EndSession();
+
+  const std::vector<PanelEntry>& PanelList() const { return panelList_; }
+
+ private:
+  /// What became of an attempt to start a session.
+  enum class Outcome { started, failed, failedAndTold };
+
+  void FillPanelList();
+  void AskForSettings();
+  Outcome Start();
+  Outcome ConnectSensor();
+  bool ReadPartNumber();
+  Outcome LoadSimulation();
+  void FillSimulationList();
+  void PresetVega3();
+  bool PreparePanel(bool simulated);
+  bool ReadImage(bool simulated);
+  void ShowPanel(bool simulated);
+  void SaveLastSettings();
+  void ShowMessage(const std::string& text);
+
+  PanelContext context_;
+  SerialLink& link_;
+  snsFil& file_;
+  frmSim& sim_;
+  std::string applicationPath_;
+  std::vector<PanelEntry> panelList_;
+  std::unique_ptr<Panel> panel_;
+};
+
+}  // namespace brelant

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/Program.h"
+
+namespace brelant {
+
+namespace {
+
+std::string WithoutTrailingSeparator(std::string path) {
+  while (path.size() > 1 && (path.back() == '\\' || path.back() == '/')) path.pop_back();
+  return path;
+}
+
+}  // namespace
+
+Program::Program(const Machine& machine, const std::string& applicationPath)
+    : link(session, machine),
+      com(session, image, link, machine),
+      definitions(session, image, com, machine),
+      file(session, image, com, machine),
+      info(session, image, com, definitions, machine),
+      msg(session, machine.pump, screen),
+      comSet(session, machine, screen),
+      sim(session, screen),
+      spanNote(session, screen),
+      main({machine, session, screen, image, com, info, definitions, msg, comSet, {}}, link, file, sim,
+           WithoutTrailingSeparator(applicationPath)) {}
+
+void Program::Run() {
+  while (!session.processOver) {
+    main.Main();
+    if (!session.Over()) session.CurrentPanel->PanelLoop();
+  }
+}
+
+}  // namespace brelant

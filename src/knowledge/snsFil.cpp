@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "knowledge/snsFil.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <exception>
+#include <limits>
+#include <stdexcept>
+
+#include "knowledge/little_endian.h"
+#include "shell/Common.h"
+
+namespace brelant {
+
+namespace {
+
+constexpr std::size_t kHeaderSize = 17;
+constexpr std::size_t kBlockHeader = 4;
+constexpr std::size_t kReadLimit = 1501;
+constexpr std::size_t kChecksumAt = 1;
+constexpr std::size_t kLengthAt = 3;
+constexpr std::size_t kCountAt = 5;
+
+constexpr std::size_t kLowPart = 112;
+constexpr std::size_t kHighPart = 128;
+constexpr std::size_t kRamBytes = 256;
+constexpr std::size_t kEepromBytes = 512;
+constexpr std::size_t kSelectionPad = 30;
+constexpr std::size_t kPartCopy = 164;
+constexpr std::size_t kPartAddress = 65;
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Sum of the bytes from 17 up to and including length + 17; the one past the end of the file counts as 0.
+std::uint16_t ChecksumOf(std::span<const std::uint8_t> file, std::size_t length) {
+  std::uint32_t sum = 0;
+  for (std::size_t i = kHeaderSize; i <= length + kHeaderSize; ++i) sum += i < file.size() ? file[i] : 0;
+  return static_cast<std::uint16_t>(sum);
+}
+
+std::string Lower(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+std::string WithEnding(const std::string& name) {
+  const auto lower = Lower(name);
+  return lower.size() >= 4 && lower.ends_with(".set") ? name : name + ".Set";
+}
+
+/// The test for the name starts one place early, so that no name that ends in "last.set" meets it.
+bool IsNamedLast(const std::string& name) {
+  constexpr std::size_t kName = 8;
+  return name.size() > kName && Lower(name).substr(name.size() - kName - 1, kName) == "last.set";
+}
+
+bool IsDiscarded(const std::string& name, const Bytes& old) {
+  if (IsNamedLast(name) || old.size() <= kHeaderSize) return true;
+  const auto length = ReadLittleEndian(old, kLengthAt, 2);
+  return length == 0 || ChecksumOf(old, length) != ReadLittleEndian(old, kChecksumAt, 2);
+}
+
+/// Where a block of that type stands in the file, or the end of the known blocks.
+struct Place {
+  std::size_t offset;
+  bool found;
+};
+
+Place FindPlace(const Bytes& file, std::uint32_t count, std::uint8_t block) {
+  std::size_t offset = kHeaderSize;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    if (ReadLittleEndian(file, offset, 2) == block) return {offset, true};
+    offset += kBlockHeader + ReadLittleEndian(file, offset + 2, 2);
+  }
+  return {offset, false};
+}
+
+}  // namespace
+
+snsFil::snsFil(Session& session, SensorImage& image, snscom& com, const Machine& machine)
+    : session_(session), image_(image), com_(com), machine_(machine) {}
+
+bool snsFil::ReadSetBlock(const std::string& fileName, std::uint8_t& block, bool reportError, bool apply) {
+  std::fill_n(image_.SetBuffer.begin(), kEepromBytes, std::uint8_t{0});
+  if (fileName.empty() || !machine_.files.Exists(fileName)) {
+    session_.Fail("File not found " + fileName);
+    return false;
+  }
+  try {
+    auto file = machine_.files.Read(fileName, kReadLimit);
+    const auto size = file.size();
+    file.resize(kReadLimit);
+    const auto length = ReadLittleEndian(file, kLengthAt, 2);
+    if (size <= kHeaderSize || length == 0) {
+      session_.Fail("File is damaged " + fileName);
+      return false;
+    }
+    if (length + kHeaderSize >= kReadLimit) throw std::out_of_range("Subscript out of range");
+    if (ChecksumOf(file, length) != ReadLittleEndian(file, kChecksumAt, 2)) {
+      session_.Fail("File is damaged " + fileName);
+      return false;
+    }
+    return TakeBlocks(file, block, apply);
+  } catch (const std::exception& fault) {
+    if (reportError) session_.Fail(fault.what());
+    return false;
+  }
+}
+
+bool snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block, bool apply) {
+  const int count = file[kCountAt];
+  std::size_t offset = kHeaderSize;
+  for (int i = 0; i < count; ++i) {
+    machine_.pump.DoEvents();
+    const auto type = ReadLittleEndian(file, offset, 2);
+    const auto size = ReadLittleEndian(file, offset + 2, 2);
+    if (block == first && (type == ram5 || type == eeprom)) block = static_cast<std::uint8_t>(type);
+    if (type == block) {
+      const auto payload = file.subspan(offset + kBlockHeader);
+      if (type == ram5) {
+        TakeRamBlock(payload, apply);
+      } else {
+        if (size > payload.size()) throw std::out_of_range("Subscript out of range");
+        TakeBlock(type, payload.first(size), apply);
+      }
+      return true;
+    }
+    offset += kBlockHeader + size;
+  }
+  if (count == 0) return true;
+  session_.Fail("Setfile error");
+  return false;
+}
+
+void snsFil::TakeRamBlock(std::span<const std::uint8_t> payload, bool apply) {
+  if (payload.size() < kLowPart + kHighPart) throw std::out_of_range("Subscript out of range");
+  for (std::size_t i = 0; i < kLowPart + kHighPart; ++i) {
+    const std::size_t address = i < kLowPart ? i : i - kLowPart + kHighPart;
+    image_.SetBuffer[address] = payload[i];
+    if (!apply) continue;
+    image_.RamImage[address] = payload[i];
+    image_.RamValid[address] = true;
+  }
+}
+
+void snsFil::TakeBlock(std::uint32_t type, std::span<const std::uint8_t> payload, bool apply) {
+  if (payload.size() > image_.SetBuffer.size()) throw std::out_of_range("Subscript out of range");
+  std::copy(payload.begin(), payload.end(), image_.SetBuffer.begin());
+  if (type == selection && payload.size() > kSelectionPad) {
+    std::copy(payload.begin() + kSelectionPad, payload.end(), image_.ReadRequest.begin());
+  }
+  if (type != eeprom || !apply) return;
+  for (std::size_t address = 0; address < payload.size(); ++address) {
+    image_.EepromImage[address] = payload[address];
+    image_.EepromValid[address] = true;
+  }
+  image_.RamImage[kPartAddress] = image_.EepromImage[kPartCopy];
+  image_.RamValid[kPartAddress] = true;
+}
+
+bool snsFil::SaveSettings(std::uint8_t& block, const std::string& fileName, std::uint8_t version,
+                          bool useSelection, bool fresh) {
+  if (block == first) block = BlockOfPlatform();
+  if (block == first) return false;
+  const auto name = WithEnding(fileName);
+  try {
+    Bytes file;
+    if (!fresh && machine_.files.Exists(name))
+      file = machine_.files.Read(name, std::numeric_limits<std::size_t>::max());
+    if (IsDiscarded(name, file)) file.assign(kHeaderSize, 0);
+    std::uint32_t count = file[kCountAt];
+    const auto place = FindPlace(file, count, block);
+    if (!place.found) ++count;
+
+    const auto payload = Payload(block, useSelection);
+    const std::size_t end = place.offset + kBlockHeader + payload.size();
+    if (file.size() < end) file.resize(end);
+    WriteLittleEndian(file, place.offset, 2, block);
+    WriteLittleEndian(file, place.offset + 2, 2, static_cast<std::uint32_t>(payload.size()));
+    std::copy(payload.begin(), payload.end(),
+              file.begin() + static_cast<std::ptrdiff_t>(place.offset + kBlockHeader));
+
+    const auto length = file.size() - kHeaderSize;
+    WriteLittleEndian(file, 0, 1, version);
+    WriteLittleEndian(file, kChecksumAt, 2, ChecksumOf(file, length));
+    WriteLittleEndian(file, kLengthAt, 2, static_cast<std::uint32_t>(length));
+    WriteLittleEndian(file, kCountAt, 2, count);
+    machine_.files.Write(name, file);
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+std::uint8_t snsFil::BlockOfPlatform() {
+  switch (com_.GetPlatform()) {
+    case 5:
+      return ram5;
+    case 6:
+    case 61:
+      return eeprom;
+    default:
+      return first;
+  }
+}
+
+Bytes snsFil::Payload(std::uint8_t block, bool useSelection) const {
+  Bytes payload;
+  const auto append = [&](const auto& image, std::size_t from, std::size_t to) {
+    for (std::size_t i = from; i < to; ++i) payload.push_back(static_cast<std::uint8_t>(AsByte(image[i])));
+  };
+  switch (block) {
+    case ram5:
+      append(image_.RamImage, 0, kLowPart);
+      append(image_.RamImage, kHighPart, kRamBytes);
+      break;
+    case eeprom:
+      append(image_.EepromImage, 0, kEepromBytes);
+      break;
+    case selection:
+      if (useSelection) {
+        payload.resize(kSelectionPad + kEepromBytes);
+        std::copy_n(image_.ReadRequest.begin(), kEepromBytes, payload.begin() + kSelectionPad);
+      } else {
+        payload.assign(image_.SetBuffer.begin(), image_.SetBuffer.begin() + kSelectionPad + kEepromBytes);
+      }
+      break;
+    default:
+      append(image_.RamImage, 0, kRamBytes);
+  }
+  return payload;
+}
+
+}  // namespace brelant

@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "panels/FunctionBlocks.h"
+
+#include <utility>
+
+namespace brelant {
+
+namespace {
+
+struct Group {
+  int first;
+  int last;
+};
+
+Group GroupOf(FunctionClass kind) {
+  switch (kind) {
+    case FunctionClass::digital:
+      return {FunctionBlocks::digPsignPslope, FunctionBlocks::digNsignNslope};
+    case FunctionClass::analog:
+      return {FunctionBlocks::nsignNslope, FunctionBlocks::psignPslope};
+    default:
+      return {FunctionBlocks::pslope, FunctionBlocks::nslope};
+  }
+}
+
+int TypeOf(FunctionClass kind, bool sign, bool slope) {
+  switch (kind) {
+    case FunctionClass::digital:
+      return sign ? (slope ? FunctionBlocks::digPsignPslope : FunctionBlocks::digPsignNslope)
+                  : (slope ? FunctionBlocks::digNsignPslope : FunctionBlocks::digNsignNslope);
+    case FunctionClass::analog:
+      return sign ? (slope ? FunctionBlocks::psignPslope : FunctionBlocks::psignNslope)
+                  : (slope ? FunctionBlocks::nsignPslope : FunctionBlocks::nsignNslope);
+    default:
+      return slope ? FunctionBlocks::pslope : FunctionBlocks::nslope;
+  }
+}
+
+int NextType(FunctionClass kind, std::optional<int> type) {
+  const auto group = GroupOf(kind);
+  if (!type || *type < group.first || *type >= group.last) return group.first;
+  return *type + 1;
+}
+
+constexpr std::array<const char*, FunctionBlocks::kTypes> kNames{
+    "pctFDigPsignPslope", "pctFDigPsignNslope", "pctFDigNsignPslope", "pctFDigNsignNslope", "pctFNsignNslope",
+    "pctFNsignPslope",    "pctFPsignNslope",    "pctFPsignPslope",    "pctFPslope",         "pctFNslope"};
+
+}  // namespace
+
+FunctionBlocks::FunctionBlocks(Form& form, int count, std::function<FunctionClass(int)> classOf,
+                               const std::function<void()>& changed)
+    : classOf_(std::move(classOf)) {
+  for (std::size_t type = 0; type < pictures_.size(); ++type) {
+    pictures_[type] = form.AddArray(ControlKind::picture, kNames[type], count);
+    for (int i = 0; i < count; ++i) {
+      pictures_[type][i].SetVisible(false);
+      pictures_[type][i].onClick = [this, i, changed] {
+        FunkTypeUpdate(i, true, false, false);
+        changed();
+      };
+    }
+  }
+}
+
+void FunctionBlocks::FunkTypeUpdate(int index, bool step, bool sign, bool slope) {
+  const auto kind = classOf_(index);
+  const int type = step ? NextType(kind, VisibleType(index)) : TypeOf(kind, sign, slope);
+  for (int i = 0; i < kTypes; ++i) pictures_[static_cast<std::size_t>(i)][index].SetVisible(i == type);
+}
+
+void FunctionBlocks::FunkTypeRead(int index, bool& sign, bool& slope) const {
+  const auto type = VisibleType(index);
+  if (!type) return;
+  switch (*type) {
+    case digPsignPslope:
+    case psignPslope:
+      sign = slope = true;
+      break;
+    case digPsignNslope:
+    case psignNslope:
+      sign = true;
+      slope = false;
+      break;
+    case digNsignPslope:
+    case nsignPslope:
+      sign = false;
+      slope = true;
+      break;
+    case digNsignNslope:
+    case nsignNslope:
+      sign = slope = false;
+      break;
+    default:
+      slope = *type == pslope;
+  }
+}
+
+std::optional<int> FunctionBlocks::VisibleType(int index) const {
+  for (int type = 0; type < kTypes; ++type) {
+    if (pictures_[static_cast<std::size_t>(type)][index].Visible()) return type;
+  }
+  return {};
+}
+
+}  // namespace brelant

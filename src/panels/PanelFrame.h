@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "comm/SensorImage.h"
+#include "comm/snscom.h"
+#include "knowledge/SnsInfo.h"
+#include "knowledge/definitions.h"
+#include "platform/machine.h"
+#include "shell/form.h"
+#include "shell/frmComSet.h"
+#include "shell/frmMsg.h"
+#include "shell/panel.h"
+#include "shell/session.h"
+
+namespace brelant {
+
+/// Colours that are part of the behaviour.
+namespace colours {
+inline constexpr Colour kFieldBack = 0x8D6C54;
+inline constexpr Colour kFieldText = 65535;
+inline constexpr Colour kEditBack = 16777215;
+inline constexpr Colour kEditText = 0;
+inline constexpr Colour kLive = 65280;
+inline constexpr Colour kSimulated = 65535;
+inline constexpr Colour kFault = 255;
+}  // namespace colours
+
+/// What a panel is handed by the program.
+struct PanelContext {
+  Machine machine;
+  Session& session;
+  Screen& screen;
+  SensorImage& image;
+  snscom& com;
+  SnsInfo& info;
+  Definitions& definitions;
+  frmMsg& msg;
+  frmComSet& comSet;
+  /// Ends the session of the panel (docs/architecture.md, One thread, one pump).
+  std::function<void()> EndSession;
+};
+
+/// The frame that all panels share: command loop, poll, simulated mode, edit rules, menus, exit
+/// (docs/architecture.md, Panels).
+class PanelFrame : public Panel {
+ public:
+  enum Command {
+    readSensor = 1,
+    writeSensor = 3,
+    loadSettings = 4,
+    saveSettings = 5,
+    calibrateTempZero = 6,
+    calibrateCO2Zero = 7,
+    calibrateCO2Background = 8,
+    calibrateCO2Other = 9,
+    calibrateCO2Span = 10,
+    calibrateO2Zero = 11,
+    calibrateO2Span = 12,
+    resetTWA = 13,
+    exitPanel = 14,
+    vavMax = 15,
+    vavMin = 16
+  };
+
+  PanelFrame(const PanelContext& context, const std::string& name, const std::string& simulatedCaption);
+
+  void PanelLoop() override;
+  void SimMode(bool on) override;
+  std::vector<Alarm> Alarms() const override { return {}; }
+
+  /// Shows the live values from the images.
+  virtual bool FormUpdateM() = 0;
+  /// The poll.
+  virtual bool ActionSensorReadM() = 0;
+  /// Reads all settings.
+  virtual bool ActionSensorRead() = 0;
+  /// Sends all settings.
+  virtual bool ActionSensorWrite() = 0;
+  virtual bool ActionTWAReset() = 0;
+  /// One pass of the offline model.
+  virtual void Simulate() = 0;
+
+ protected:
+  /// The live value fields.
+  virtual const ControlArray& LiveFields() const = 0;
+  /// The simulated pass of the loop.
+  virtual void SimulatedPass() { Simulate(); }
+  /// How long the simulated pass may wait for the next event; nothing: until there is one.
+  virtual std::optional<std::chrono::milliseconds> SimulatedPeriod() const { return {}; }
+  /// Runs the command of a code; the frame's table of commands that this panel has.
+  virtual bool RunAction(int command);
+  /// Last poll time when midnight has passed.
+  virtual double LastPollAfterMidnight(double now) const { return now; }
+
+  bool Simulated() const { return cbxSimulated.Value() == 1; }
+  void ShowProgress(const std::string& text, bool hideBar);
+  /// Makes a command pending, behind the box that guards the panel until the loop takes it.
+  void Request(Command command);
+
+  /// Gives a field the edit rules. `check` runs first when the field is left, `store` after it.
+  void MakeEditable(Control& field, std::function<void()> check, std::function<void()> store);
+  /// The usual store: the whole form into the image and back.
+  void Restore();
+  void MakeEditable(Control& field, std::function<void()> check = {});
+
+  /// Pops up the visible entries of a menu; the choice becomes the text of the label. False: nothing chosen.
+  bool PopUp(Control& label, const ControlArray& menu);
+  /// Index of the entry with that caption among the first `count`, a visible one before a hidden one.
+  static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
+
+  PanelContext context_;
+  Control* PopupTarget = nullptr;
+
+ private:
+  void LetEventsRun(double lastPoll);
+  void RunCommand();
+  void PollWhenDue(double& lastPoll);
+  void ToggleComSet();
+  void OpenHelp();
+
+  bool running_ = false;
+};
+
+}  // namespace brelant

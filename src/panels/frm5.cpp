@@ -1,0 +1,584 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "panels/frm5.h"
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+
+#include "panels/output_model.h"
+#include "shell/Common.h"
+
+namespace brelant {
+
+using std::chrono::milliseconds;
+
+namespace {
+
+constexpr int kDisplayMode = 31;
+constexpr int kShiftAmount = 32;
+constexpr int kOutputKind = 57;
+constexpr int kFunctionBase = 162;
+constexpr int kFunctionSize = 5;
+constexpr int kTriggerTime = 187;
+constexpr int kTriggerLevel = 188;
+constexpr int kOutputBase = 189;
+constexpr int kOutputSize = 4;
+constexpr int kOutputWord = 197;
+constexpr int kTypeOverride = 205;
+constexpr int kShiftChannel = 207;
+constexpr int kId = 208;
+constexpr int kLiveWord = 20;
+
+constexpr int kFlag = 128;
+constexpr int kSevenBits = 127;
+constexpr int kTriggerFeeds = 32;
+constexpr int kDigital = 64;
+constexpr int kUnknownBit = 128;
+constexpr int kShiftMiddle = 15;
+constexpr int kShiftMost = 31;
+constexpr float kShiftStep = 250;
+constexpr float kFullOutput = 16384;
+constexpr float kZeroBaseLine = 32768;
+constexpr float kHighestId = 29;
+constexpr float kLeastIntTime = 2;
+constexpr std::uint8_t kTWAPart = 231;
+
+constexpr int kSettingsBlock = 6;
+constexpr int kWholeRam = 8;
+
+int FunctionRecord(int function) {
+  return kFunctionBase + kFunctionSize * function;
+}
+int OutputRecord(int output) {
+  return kOutputBase + kOutputSize * output;
+}
+int KindBit(int output) {
+  return output == 0 ? 2 : 4;
+}
+
+/// Caption of a menu entry, empty if a nonsense byte points past the menu.
+std::string CaptionAt(const ControlArray& menu, int index) {
+  return index < menu.Count() ? menu[index].Text() : std::string();
+}
+
+bool IsTemperature(const std::string& unit) {
+  return unit == "C" || unit == "F";
+}
+
+}  // namespace
+
+frm5::frm5(const PanelContext& context)
+    : PanelFrame(context, "frm5", "Simulated"),
+      txbSN(form.Add(ControlKind::text, "txbSN")),
+      txbID(form.Add(ControlKind::text, "txbID")),
+      lblDisplayMode(form.Add(ControlKind::label, "lblDisplayMode")),
+      lblShiftb(form.Add(ControlKind::label, "lblShiftb")),
+      txbShiftBamount(form.Add(ControlKind::text, "txbShiftBamount")),
+      lblShiftb_Type(form.Add(ControlKind::label, "lblShiftb_Type")),
+      lblCH_Name(form.AddArray(ControlKind::label, "lblCH_Name", kChannels)),
+      lblCH_Type(form.AddArray(ControlKind::label, "lblCH_Type", 3)),
+      pctChannel(form.AddArray(ControlKind::picture, "pctChannel", 5)),
+      txbCHact(form.AddArray(ControlKind::text, "txbCHact", kChannels)),
+      lblFchannel(form.AddArray(ControlKind::label, "lblFchannel", kFunctions)),
+      txbFa(form.AddArray(ControlKind::text, "txbFa", kFunctions)),
+      lblFaUnit(form.AddArray(ControlKind::label, "lblFaUnit", kFunctions)),
+      txbFb(form.AddArray(ControlKind::text, "txbFb", kFunctions)),
+      lblFbUnit(form.AddArray(ControlKind::label, "lblFbUnit", kFunctions)),
+      cbxFout1(form.AddArray(ControlKind::check, "cbxFout1", kFunctions)),
+      cbxFout2(form.AddArray(ControlKind::check, "cbxFout2", kFunctions)),
+      functions(
+          form, kFunctions, [this](int function) { return ClassOf(function); }, [this] { Restore(); }),
+      optOut5V(form.AddArray(ControlKind::option, "optOut5V", kOutputs)),
+      optOut5mA(form.AddArray(ControlKind::option, "optOut5mA", kOutputs)),
+      optOut5Digital(form.AddArray(ControlKind::option, "optOut5Digital", kOutputs)),
+      txbOutBaseLine(form.AddArray(ControlKind::text, "txbOutBaseLine", kOutputs)),
+      txbOutIntTime(form.AddArray(ControlKind::text, "txbOutIntTime", kOutputs)),
+      txbOutOut(form.AddArray(ControlKind::text, "txbOutOut", kOutputs)),
+      cbxDigTout1(form.Add(ControlKind::check, "cbxDigTout1", "Out 1")),
+      cbxDigTout2(form.Add(ControlKind::check, "cbxDigTout2", "Out 2")),
+      txbDigTtime(form.Add(ControlKind::text, "txbDigTtime")),
+      lblDigTunit(form.Add(ControlKind::label, "lblDigTunit")),
+      txbDigTlevel(form.Add(ControlKind::text, "txbDigTlevel")),
+      pctDigTPsign(form.Add(ControlKind::picture, "pctDigTPsign")),
+      pctDigTNsign(form.Add(ControlKind::picture, "pctDigTNsign")),
+      linDigTPsign(form.Add(ControlKind::bar, "linDigTPsign")),
+      linDigTNsign(form.Add(ControlKind::bar, "linDigTNsign")),
+      btnDigTrig(form.Add(ControlKind::button, "btnDigTrig", "Trigger")),
+      mChannels(form.AddMenu("", "mChannels", "Channels")),
+      mCHannel(form.AddArray(ControlKind::menu, "mCHannel", 5)),
+      mDisplayModes(form.AddMenu("", "mDisplayModes", "Display modes")),
+      mDisplayMode(form.AddArray(ControlKind::menu, "mDisplayMode", 5)),
+      mTempUnit(form.AddMenu("", "mTempUnit", "Temperature unit")),
+      mTempUnitCelsius(form.AddMenu("mTempUnit", "mTempUnitCelsius", "C")),
+      mTempUnitFarenheit(form.AddMenu("mTempUnit", "mTempUnitFarenheit", "F")),
+      mTimeUnits(form.AddMenu("", "mTimeUnits", "Time unit")),
+      mTimeUnitMin(form.AddMenu("mTimeUnits", "mTimeUnitMin", "Min")),
+      mTimeUnitSec(form.AddMenu("mTimeUnits", "mTimeUnitSec", "Sec")),
+      outputLabels_{AddOutputLabels({42, 49, 38, 50}), AddOutputLabels({12, 15, 11, 16})} {
+  SetMenus();
+  SetRules();
+}
+
+frm5::Labels frm5::AddOutputLabels(const std::array<int, 4>& indexes) {
+  static constexpr std::array<const char*, 4> kTexts{"Base line", "%", "Int. time", "s"};
+  Labels labels{};
+  for (std::size_t i = 0; i < labels.size(); ++i) {
+    labels[i] = &form.AddIndexed(ControlKind::label, "Label1", indexes[i], kTexts[i]);
+  }
+  return labels;
+}
+
+void frm5::SetMenus() {
+  for (auto* menu : {&mChannels, &mDisplayModes, &mTempUnit, &mTimeUnits}) menu->SetVisible(false);
+  for (auto* entry : mCHannel) entry->parent = mChannels.Name();
+  for (int i = 0; i < mDisplayMode.Count(); ++i) {
+    mDisplayMode[i].parent = mDisplayModes.Name();
+    mDisplayMode[i].SetText("Mode " + std::to_string(i));
+  }
+}
+
+void frm5::SetRules() {
+  const auto never = [] { return false; };
+  txbSN.editable = never;
+  for (auto* field : txbOutOut) field->editable = never;
+  for (auto* field : txbCHact) {
+    field->editable = [this] { return Simulated(); };
+    MakeEditable(*field);
+  }
+  MakeEditable(
+      txbID,
+      [this] {
+        const float id = ParseNumber(txbID.Text());
+        txbID.SetText(NumberText(id > kHighestId ? kHighestId : id));
+      },
+      nullptr);
+  MakeEditable(txbShiftBamount);
+  MakeEditable(txbDigTtime);
+  MakeEditable(txbDigTlevel);
+  for (int j = 0; j < kOutputs; ++j) {
+    MakeEditable(txbOutBaseLine[j]);
+    auto& time = txbOutIntTime[j];
+    MakeEditable(time, [&time] {
+      if (ParseNumber(time.Text()) < kLeastIntTime) time.SetText(NumberText(kLeastIntTime));
+    });
+    for (auto* kind : {&optOut5V[j], &optOut5mA[j], &optOut5Digital[j]}) {
+      kind->group = j + 1;
+      kind->onClick = [this] { Restore(); };
+    }
+    optOut5V[j].SetText("0-100%");
+    optOut5mA[j].SetText("20-100%");
+    optOut5Digital[j].SetText("Digital");
+  }
+  for (int i = 0; i < kFunctions; ++i) {
+    MakeEditable(txbFa[i]);
+    MakeEditable(txbFb[i]);
+    lblFchannel[i].onClick = [this, i] { ChooseFunctionChannel(i); };
+    cbxFout1[i].SetText("Out 1");
+    cbxFout2[i].SetText("Out 2");
+    cbxFout1[i].onClick = cbxFout2[i].onClick = [this] { Restore(); };
+  }
+  cbxDigTout1.onClick = cbxDigTout2.onClick = [this] { Restore(); };
+  lblDisplayMode.onClick = [this] { ChooseAndStore(lblDisplayMode, mDisplayMode); };
+  lblDigTunit.onClick = [this] { ChooseAndStore(lblDigTunit, ControlArray({&mTimeUnitMin, &mTimeUnitSec})); };
+  lblShiftb.onClick = [this] { ChooseShiftChannel(); };
+  for (int i = 0; i < lblCH_Type.Count(); ++i) lblCH_Type[i].onClick = [this, i] { ChooseTempUnit(i); };
+  pctDigTPsign.onClick = [this] {
+    txbDigTlevel.SetText("-" + txbDigTlevel.Text());
+    ShowDigitalTriggerSign(true);
+  };
+  pctDigTNsign.onClick = [this] {
+    txbDigTlevel.SetText(NumberText(-ParseNumber(txbDigTlevel.Text())));
+    ShowDigitalTriggerSign(false);
+  };
+  linDigTPsign.SetVisible(false);
+  linDigTNsign.SetVisible(false);
+  btnDigTrig.SetVisible(false);
+  btnDigTrig.onClick = [this] { StartTrigger(); };
+  mExit.onClick = [this] {
+    context_.session.LastError = kCancelled;
+    context_.EndSession();
+  };
+}
+
+// Filling the form
+
+bool frm5::FormUpdateInit() {
+  try {
+    for (int k = 0; k < mCHannel.Count(); ++k) {
+      const auto channel = static_cast<float>(k);
+      const bool present = context_.info.IsChannelPresent(channel, false, false);
+      const auto name = context_.info.GetChannelName(channel, false);
+      mCHannel[k].SetText(name);
+      mCHannel[k].SetVisible(present);
+      pctChannel[k].SetVisible(present);
+      if (!present || k >= kChannels) continue;
+      lblCH_Name[k].SetText(name);
+      if (k < lblCH_Type.Count()) lblCH_Type[k].SetText(context_.info.GetChannelUnit(channel));
+    }
+  } catch (const std::exception&) {
+    context_.session.Fail("Sensor is corrupt");
+    return false;
+  }
+  cbxSimulated.SetVisible(true);
+  return true;
+}
+
+bool frm5::FormUpdate() {
+  txbSN.SetText(context_.info.GetSensorIdentity());
+  UpdateGeneral();
+  for (int j = 0; j < kOutputs; ++j) UpdateOutput(j);
+  for (int i = 0; i < kFunctions; ++i) UpdateFunction(i);
+  UpdateTrigger();
+  if (Simulated()) Simulate();
+  return true;
+}
+
+void frm5::UpdateGeneral() {
+  txbID.SetText(NumberText(Ram(kId)));
+  lblDisplayMode.SetText(CaptionAt(mDisplayMode, Bits(Ram(kDisplayMode))));
+  for (int k = 0; k < lblCH_Type.Count(); ++k) {
+    const auto unit = context_.info.GetChannelUnit(static_cast<float>(k));
+    lblCH_Type[k].SetText(unit);
+    lblCH_Type[k].SetEnabled(IsTemperature(unit));
+  }
+  const float channel = ShiftChannel();
+  lblShiftb.SetText(CaptionAt(mCHannel, static_cast<int>(channel)));
+  lblShiftb_Type.SetText(context_.info.GetChannelUnit(channel));
+  const int steps = (Bits(Ram(kShiftAmount)) & kShiftMost) - kShiftMiddle;
+  txbShiftBamount.SetText(context_.info.RawToText(static_cast<float>(steps) * kShiftStep, channel, true));
+}
+
+float frm5::ShiftChannel() {
+  return static_cast<float>(Bits(Ram(kShiftChannel)) & 15);
+}
+
+void frm5::UpdateFunction(int function) {
+  const int record = FunctionRecord(function);
+  const float channel = Ram(record);
+  const auto word = [&](int address) {
+    return static_cast<float>((Bits(Ram(address)) & kSevenBits) * 256) + Ram(address + 1);
+  };
+  lblFchannel[function].SetText(CaptionAt(mCHannel, Bits(channel)));
+  txbFa[function].SetText(context_.info.RawToText(word(record + 1), channel, false));
+  txbFb[function].SetText(context_.info.RawToText(word(record + 3), channel, false));
+  lblFaUnit[function].SetText(context_.info.GetChannelUnit(channel));
+  lblFbUnit[function].SetText(lblFaUnit[function].Text());
+  functions.FunkTypeUpdate(function, false, HasBit(Ram(record + 1), kFlag), HasBit(Ram(record + 3), kFlag));
+}
+
+void frm5::UpdateOutput(int output) {
+  const int record = OutputRecord(output);
+  const auto& feeds = output == 0 ? cbxFout1 : cbxFout2;
+  for (int i = 0; i < kFunctions; ++i) feeds[i].SetValue(HasBit(Ram(record), 1 << i) ? 1 : 0);
+  (output == 0 ? cbxDigTout1 : cbxDigTout2).SetValue(HasBit(Ram(record), kTriggerFeeds) ? 1 : 0);
+
+  const bool digital = HasBit(Ram(record), kDigital);
+  const bool from20 = HasBit(Ram(kOutputKind), KindBit(output));
+  form.Select(digital ? optOut5Digital[output] : from20 ? optOut5mA[output] : optOut5V[output]);
+  txbOutBaseLine[output].SetVisible(!digital);
+  txbOutIntTime[output].SetVisible(!digital);
+  for (auto* label : outputLabels_.at(static_cast<std::size_t>(output))) label->SetVisible(!digital);
+
+  const double baseLine = context_.image.RamWord(record + 1) - kZeroBaseLine;
+  txbOutBaseLine[output].SetText(NumberText(static_cast<float>(Round(baseLine / kFullOutput * 100))));
+  txbOutIntTime[output].SetText(NumberText(2 * std::exp2(Ram(record + 3))));
+}
+
+void frm5::UpdateTrigger() {
+  const int time = Bits(Ram(kTriggerTime));
+  txbDigTtime.SetText(NumberText(static_cast<float>(time & kSevenBits) / 4));
+  lblDigTunit.SetText((time & kFlag) != 0 ? mTimeUnitMin.Text() : mTimeUnitSec.Text());
+  const int level = Bits(Ram(kTriggerLevel));
+  const bool negative = (level & kFlag) != 0;
+  const double percent = Fix((level & kSevenBits) / 127.0 * 100);
+  txbDigTlevel.SetText((negative ? "-" : "") + NumberText(static_cast<float>(percent)));
+  ShowDigitalTriggerSign(negative);
+}
+
+void frm5::ShowDigitalTriggerSign(bool negative) {
+  pctDigTPsign.SetVisible(!negative);
+  pctDigTNsign.SetVisible(negative);
+}
+
+bool frm5::FormUpdateM() {
+  for (int k = 0; k < kChannels; ++k) {
+    txbCHact[k].SetText(
+        context_.info.RawToText(context_.image.RamWord(kLiveWord + 2 * k), static_cast<float>(k), false));
+  }
+  for (int j = 0; j < kOutputs; ++j) {
+    const double percent = Round(context_.image.RamWord(kOutputWord + 2 * j) / kFullOutput * 100);
+    txbOutOut[j].SetText(percent > 100 ? "100" : NumberText(static_cast<float>(percent)));
+  }
+  return true;
+}
+
+std::vector<Panel::LiveValue> frm5::LiveValues() const {
+  std::vector<LiveValue> values;
+  for (int k = 0; k < kChannels; ++k) {
+    if (!mCHannel[k].Visible()) continue;
+    values.push_back(
+        {mCHannel[k].Text(), txbCHact[k].Text(), context_.info.GetChannelUnit(static_cast<float>(k))});
+  }
+  for (int j = 0; j < kOutputs; ++j) {
+    values.push_back({"Out " + std::to_string(j + 1), txbOutOut[j].Text(), "%"});
+  }
+  return values;
+}
+
+// Taking the form
+
+bool frm5::FormRead() {
+  std::array<float, kOutputs> exponents{};
+  // Before anything is written: a form that cannot be taken whole leaves the image alone.
+  if (!ReadExponents(exponents)) return false;
+  ReadGeneral();
+  ReadShift();
+  for (int i = 0; i < kFunctions; ++i) ReadFunction(i);
+  for (int j = 0; j < kOutputs; ++j) ReadOutput(j, exponents.at(static_cast<std::size_t>(j)));
+  ReadTrigger();
+  return true;
+}
+
+bool frm5::ReadExponents(std::array<float, kOutputs>& exponents) {
+  for (int j = 0; j < kOutputs; ++j) {
+    const float time = ParseNumber(txbOutIntTime[j].Text());
+    if (time <= 0) {
+      context_.session.Fail("Can't compute the integration time of output " + std::to_string(j + 1));
+      return false;
+    }
+    exponents.at(static_cast<std::size_t>(j)) = static_cast<float>(Fix(std::log2(time)) - 1);
+  }
+  return true;
+}
+
+void frm5::ReadGeneral() {
+  Ram(kId) = ParseNumber(txbID.Text());
+  if (const auto mode = FindCaption(mDisplayMode, mDisplayMode.Count(), lblDisplayMode.Text())) {
+    Ram(kDisplayMode) = static_cast<float>(*mode);
+  }
+}
+
+void frm5::ReadShift() {
+  if (const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text())) {
+    // A choice from the menu stores the type times 16; the two factors differ, and only the low four bits are
+    // ever read back.
+    Ram(kShiftChannel) = AsByte(context_.definitions.Channel(*channel).ChannelType * 32.0 + *channel);
+  }
+  const float channel = ShiftChannel();
+  const double raw = context_.info.TextToRaw(txbShiftBamount.Text(), channel, true);
+  const double amount = std::clamp(Round(raw / kShiftStep + kShiftMiddle), 0.0, double{kShiftMost});
+  Ram(kShiftAmount) = AsByte(channel * 32 + amount);
+}
+
+void frm5::ReadFunction(int function) {
+  const int record = FunctionRecord(function);
+  const float channel = Ram(record);
+  bool sign = HasBit(Ram(record + 1), kFlag);
+  bool slope = HasBit(Ram(record + 3), kFlag);
+  functions.FunkTypeRead(function, sign, slope);
+  const auto store = [&](int address, const std::string& text, bool flag) {
+    float raw = context_.info.TextToRaw(text, channel, false);
+    Ram(address) = static_cast<float>((HighByte(raw) & kSevenBits) + (flag ? kFlag : 0));
+    Ram(address + 1) = LowByte(raw);
+  };
+  store(record + 1, txbFa[function].Text(), sign);
+  store(record + 3, txbFb[function].Text(), slope);
+}
+
+void frm5::ReadOutput(int output, float exponent) {
+  const int record = OutputRecord(output);
+  const auto& feeds = output == 0 ? cbxFout1 : cbxFout2;
+  const bool digital = optOut5Digital[output].Value() == 1;
+  int bits = Bits(Ram(record)) & kUnknownBit;
+  for (int i = 0; i < kFunctions; ++i) bits |= feeds[i].Value() << i;
+  bits |= (output == 0 ? cbxDigTout1 : cbxDigTout2).Value() * kTriggerFeeds;
+  bits |= digital ? kDigital : 0;
+  Ram(record) = static_cast<float>(bits);
+
+  // A digital output has no kind of its own; the bit waits for the output to become analog again.
+  const int kind = Bits(Ram(kOutputKind));
+  if (optOut5mA[output].Value() == 1) Ram(kOutputKind) = static_cast<float>(kind | KindBit(output));
+  if (optOut5V[output].Value() == 1) Ram(kOutputKind) = static_cast<float>(kind & ~KindBit(output));
+
+  const double baseLine = ParseNumber(txbOutBaseLine[output].Text()) / 100.0 * kFullOutput + kZeroBaseLine;
+  context_.image.SetRamWord(record + 1, digital ? kZeroBaseLine : static_cast<float>(baseLine));
+  Ram(record + 3) = exponent;
+}
+
+void frm5::ReadTrigger() {
+  const int time = Bits(ParseNumber(txbDigTtime.Text()) * 4) & kSevenBits;
+  const bool minutes = lblDigTunit.Text() == mTimeUnitMin.Text();
+  Ram(kTriggerTime) = static_cast<float>(time + (minutes ? kFlag : 0));
+  const double level = ParseNumber(txbDigTlevel.Text());
+  const int size = Bits(static_cast<float>(std::abs(level / 100 * kSevenBits))) & kSevenBits;
+  Ram(kTriggerLevel) = static_cast<float>(size + (level < 0 ? kFlag : 0));
+}
+
+// The user's choices
+
+void frm5::ChooseTempUnit(int index) {
+  FormRead();
+  const bool chosen = PopUp(lblCH_Type[index], ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}));
+  if (chosen && index == 0) Ram(kTypeOverride) = lblCH_Type[0].Text() == mTempUnitFarenheit.Text() ? 32 : 16;
+  FormUpdate();
+}
+
+void frm5::ChooseFunctionChannel(int function) {
+  FormRead();
+  if (PopUp(lblFchannel[function], mCHannel)) {
+    const auto channel = FindCaption(mCHannel, kChannels, lblFchannel[function].Text());
+    if (channel) Ram(FunctionRecord(function)) = static_cast<float>(*channel);
+  }
+  FormUpdate();
+}
+
+void frm5::ChooseShiftChannel() {
+  FormRead();
+  if (PopUp(lblShiftb, mCHannel)) {
+    if (const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text())) {
+      Ram(kShiftChannel) = AsByte(context_.definitions.Channel(*channel).ChannelType * 16.0 + *channel);
+    }
+  }
+  FormUpdate();
+}
+
+void frm5::ChooseAndStore(Control& label, const ControlArray& menu) {
+  if (PopUp(label, menu)) Restore();
+}
+
+// The sensor
+
+bool frm5::ActionSensorReadM() {
+  const auto read = [this](float address, std::uint8_t count) {
+    return context_.com.ReadSensorMemory(0, address, count, false, true);
+  };
+  return read(14, 1) && read(kLiveWord, 8) && read(kOutputWord, 4) && FormUpdateM();
+}
+
+bool frm5::ActionSensorRead() {
+  ShowProgress("Reading from sensor", false);
+  // Keeps the poll away while the image is empty; a failed read leaves it so.
+  cbxSimulated.SetValue(1);
+  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
+  if (!context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false)) return false;
+  cbxSimulated.SetValue(0);
+  // The gas tables went with the image.
+  return context_.definitions.LoadDefinition() && FormUpdate();
+}
+
+bool frm5::ActionSensorWrite() {
+  if (!FormRead()) return false;
+  ShowProgress("Sending to sensor", false);
+  return context_.com.WriteSensorMemory(kSettingsBlock, 0, 0, false, true, false, true, true, true);
+}
+
+bool frm5::ActionTWAReset() {
+  if (context_.info.GetPlatform() != 5 || context_.info.GetPartNumber() != kTWAPart) return true;
+  ShowProgress("TWA reset", true);
+  return context_.com.SensorCommand(snscom::twaReset, false);
+}
+
+// The offline model
+
+void frm5::SimMode(bool on) {
+  PanelFrame::SimMode(on);
+  mTWAreset.SetEnabled(!on);
+  btnDigTrig.SetVisible(on);
+}
+
+void frm5::Simulate() {
+  std::array<double, kOutputs> outputs{};
+  try {
+    for (int j = 0; j < kOutputs; ++j) {
+      outputs.at(static_cast<std::size_t>(j)) =
+          OutputOf(OutputSum(j), optOut5Digital[j].Value() == 1, ParseNumber(txbOutOut[j].Text()));
+    }
+  } catch (const NoResult&) {
+    return;
+  }
+  for (int j = 0; j < kOutputs; ++j) {
+    txbOutOut[j].SetText(NumberText(static_cast<float>(Round(outputs.at(static_cast<std::size_t>(j))))));
+  }
+}
+
+double frm5::OutputSum(int output) const {
+  double sum = optOut5Digital[output].Value() == 1 ? 0 : ParseNumber(txbOutBaseLine[output].Text());
+  sum = FunctionSum(output, sum);
+  if ((output == 0 ? cbxDigTout1 : cbxDigTout2).Value() == 1) {
+    const double level = ParseNumber(txbDigTlevel.Text());
+    if (linDigTPsign.Visible() || linDigTNsign.Visible()) sum += level;
+    // A negative trigger counts double.
+    if (linDigTNsign.Visible()) sum += level;
+  }
+  return LimitSum(sum);
+}
+
+double frm5::FunctionSum(int output, double sum) const {
+  for (int i = 0; i < kFunctions; ++i) {
+    const auto type = functions.VisibleType(i);
+    const auto x = FunctionInput(lblFchannel[i].Text());
+    if (!FeedsOutput(i, output) || !x || !type) continue;
+    sum += FunctionContribution(*type, *x, ParseNumber(txbFa[i].Text()), ParseNumber(txbFb[i].Text()));
+    sum = LimitSum(sum);
+  }
+  return sum;
+}
+
+std::optional<double> frm5::FunctionInput(const std::string& channel) const {
+  for (int c = 0; c < kChannels; ++c) {
+    if (lblCH_Name[c].Text() != channel) continue;
+    const double x = ParseNumber(txbCHact[c].Text());
+    return lblShiftb.Text() == channel ? x + ParseNumber(txbShiftBamount.Text()) : x;
+  }
+  return {};
+}
+
+bool frm5::FeedsOutput(int function, int output) const {
+  return (output == 0 ? cbxFout1 : cbxFout2)[function].Value() == 1;
+}
+
+FunctionClass frm5::ClassOf(int function) const {
+  for (int j = 0; j < kOutputs; ++j) {
+    if (FeedsOutput(function, j) && optOut5Digital[j].Value() == 1) return FunctionClass::digital;
+  }
+  return FunctionClass::analog;
+}
+
+void frm5::StartTrigger() {
+  const double time = ParseNumber(txbDigTtime.Text());
+  if (time == 0 || TriggerRuns()) return;
+  const bool seconds = lblDigTunit.Text() == mTimeUnitSec.Text();
+  // The byte in the sensor ends far below the limit, the text that a user has just typed need not.
+  constexpr double kLongest = 86400;
+  const auto length = std::chrono::duration<double>(std::clamp(seconds ? time : time * 60, 0.0, kLongest));
+  const auto now = context_.machine.clock.Now();
+  trigger_ = Trigger{now, now + std::chrono::duration_cast<std::chrono::microseconds>(length)};
+  auto& line = pctDigTPsign.Visible() ? linDigTPsign : linDigTNsign;
+  line.SetValue(0);
+  line.SetVisible(true);
+}
+
+void frm5::MoveTrigger() {
+  if (!TriggerRuns() || ParseNumber(txbDigTtime.Text()) == 0) return;
+  const auto now = context_.machine.clock.Now();
+  const auto ratio = std::chrono::duration<double>(now - trigger_->start) / (trigger_->end - trigger_->start);
+  linDigTPsign.SetValue(static_cast<int>(ratio * 100));
+  linDigTNsign.SetValue(linDigTPsign.Value());
+  if (now < trigger_->end) return;
+  linDigTPsign.SetVisible(false);
+  linDigTNsign.SetVisible(false);
+  trigger_.reset();
+}
+
+void frm5::SimulatedPass() {
+  MoveTrigger();
+  Simulate();
+}
+
+std::optional<milliseconds> frm5::SimulatedPeriod() const {
+  // Often enough for a bar that runs smoothly.
+  if (TriggerRuns()) return milliseconds(40);
+  return {};
+}
+
+}  // namespace brelant

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "panels/FunctionBlocks.h"
+#include "panels/PanelFrame.h"
+
+namespace brelant {
+
+/// The panel of platform 5 transmitters with two outputs driven by a network of five functions. All settings
+/// live in RamImage (docs/memory-maps.md, Platform 5).
+class frm5 : public PanelFrame {
+ public:
+  static constexpr int kChannels = 4;
+  static constexpr int kFunctions = 5;
+  static constexpr int kOutputs = 2;
+
+  explicit frm5(const PanelContext& context);
+
+  bool FormUpdateInit() override;
+  bool FormUpdate() override;
+  bool FormRead() override;
+  bool FormUpdateM() override;
+  bool ActionSensorReadM() override;
+  bool ActionSensorRead() override;
+  bool ActionSensorWrite() override;
+  bool ActionTWAReset() override;
+  void SimMode(bool on) override;
+  void Simulate() override;
+  std::vector<LiveValue> LiveValues() const override;
+
+  Control& txbSN;
+  Control& txbID;
+  Control& lblDisplayMode;
+  Control& lblShiftb;
+  Control& txbShiftBamount;
+  Control& lblShiftb_Type;
+
+  ControlArray lblCH_Name;
+  ControlArray lblCH_Type;
+  ControlArray pctChannel;
+  ControlArray txbCHact;
+
+  ControlArray lblFchannel;
+  ControlArray txbFa;
+  ControlArray lblFaUnit;
+  ControlArray txbFb;
+  ControlArray lblFbUnit;
+  ControlArray cbxFout1;
+  ControlArray cbxFout2;
+  FunctionBlocks functions;
+
+  ControlArray optOut5V;
+  ControlArray optOut5mA;
+  ControlArray optOut5Digital;
+  ControlArray txbOutBaseLine;
+  ControlArray txbOutIntTime;
+  ControlArray txbOutOut;
+
+  Control& cbxDigTout1;
+  Control& cbxDigTout2;
+  Control& txbDigTtime;
+  Control& lblDigTunit;
+  Control& txbDigTlevel;
+  Control& pctDigTPsign;
+  Control& pctDigTNsign;
+  Control& linDigTPsign;
+  Control& linDigTNsign;
+  Control& btnDigTrig;
+
+  Control& mChannels;
+  ControlArray mCHannel;
+  Control& mDisplayModes;
+  ControlArray mDisplayMode;
+  Control& mTempUnit;
+  Control& mTempUnitCelsius;
+  Control& mTempUnitFarenheit;
+  Control& mTimeUnits;
+  Control& mTimeUnitMin;
+  Control& mTimeUnitSec;
+
+ protected:
+  const ControlArray& LiveFields() const override { return txbCHact; }
+  void SimulatedPass() override;
+  std::optional<std::chrono::milliseconds> SimulatedPeriod() const override;
+
+ private:
+  struct Trigger {
+    std::chrono::microseconds start;
+    std::chrono::microseconds end;
+  };
+  using Labels = std::array<Control*, 4>;
+
+  void SetRules();
+  void SetMenus();
+  Labels AddOutputLabels(const std::array<int, 4>& indexes);
+
+  float& Ram(int address) { return context_.image.RamImage.at(static_cast<std::size_t>(address)); }
+  float ShiftChannel();
+  bool FeedsOutput(int function, int output) const;
+  FunctionClass ClassOf(int function) const;
+
+  void UpdateGeneral();
+  void UpdateFunction(int function);
+  void UpdateOutput(int output);
+  void UpdateTrigger();
+  bool ReadExponents(std::array<float, kOutputs>& exponents);
+  void ReadGeneral();
+  void ReadShift();
+  void ReadFunction(int function);
+  void ReadOutput(int output, float exponent);
+  void ReadTrigger();
+  void ShowDigitalTriggerSign(bool negative);
+
+  void ChooseTempUnit(int index);
+  void ChooseFunctionChannel(int function);
+  void ChooseShiftChannel();
+  void ChooseAndStore(Control& label, const ControlArray& menu);
+
+  double OutputSum(int output) const;
+  double FunctionSum(int output, double sum) const;
+  std::optional<double> FunctionInput(const std::string& channel) const;
+  void StartTrigger();
+  void MoveTrigger();
+  bool TriggerRuns() const { return trigger_.has_value(); }
+
+  std::array<Labels, kOutputs> outputLabels_;
+  std::optional<Trigger> trigger_;
+};
+
+}  // namespace brelant
