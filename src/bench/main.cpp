@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// brelant-sensor: a virtual sensor on a pseudo-terminal.
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bench/pty_server.h"
+#include "bench/virtual_sensor.h"
+#include "bench/whole_file.h"
+
+namespace {
+
+using brelant::bench::FaultRates;
+using brelant::bench::VirtualSensor;
+
+constexpr int kFailed = 1;
+constexpr int kBadOptions = 2;
+
+struct Options {
+  int part = 0;
+  std::optional<int> variant;
+  std::optional<int> id;
+  bool modbus = false;
+  std::optional<std::filesystem::path> link;
+  std::optional<std::filesystem::path> image;
+  bool pace = false;
+  std::vector<std::string> faults;
+  std::uint32_t seed = 1;
+};
+
+void Describe(CLI::App& app, Options& options) {
+  app.add_option("--part", options.part, "the part number that the sensor reports")->required();
+  app.add_option("--variant", options.variant, "the product variant, if not the usual one");
+  app.add_option("--id", options.id, "the bus ID, 1 to 29");
+  app.add_flag("--modbus", options.modbus, "speak Modbus");
+  app.add_option("--link", options.link, "make PATH a link to the device")->type_name("PATH");
+  app.add_option("--image", options.image, "keep the sensor's memory in FILE")->type_name("FILE");
+  app.add_flag("--pace", options.pace, "keep the line's 9600 bit/s");
+  app.add_option("--fault", options.faults,
+                 "how often replies go wrong, 0 to 1: silence, wrong, short, late, noise, nak, hangup")
+      ->delimiter(',')
+      ->type_name("KIND=RATE");
+  app.add_option("--seed", options.seed, "the same seed gives the same faults");
+}
+
+const std::map<std::string, double FaultRates::*, std::less<>>& FaultKinds() {
+  static const std::map<std::string, double FaultRates::*, std::less<>> kinds{
+      {"silence", &FaultRates::silence},   {"wrong", &FaultRates::wrong_byte},
+      {"short", &FaultRates::short_reply}, {"late", &FaultRates::late},
+      {"noise", &FaultRates::noise},       {"nak", &FaultRates::nak},
+      {"hangup", &FaultRates::hang_up}};
+  return kinds;
+}
+
+double ParseRate(const std::string& text) {
+  try {
+    std::size_t used = 0;
+    const double rate = std::stod(text, &used);
+    if (used == text.size()) return rate;
+  } catch (const std::logic_error&) {
+    // told below
+  }
+  throw std::invalid_argument("\"" + text + "\" is no rate.");
+}
+
+FaultRates ParseFaults(const std::vector<std::string>& texts) {
+  FaultRates rates;
+  for (const std::string& text : texts) {
+    const std::size_t equals = text.find('=');
+    const auto kind = FaultKinds().find(std::string_view(text).substr(0, equals));
+    if (equals == std::string::npos || kind == FaultKinds().end()) {
+      throw std::invalid_argument("\"" + text + "\" is no fault; write KIND=RATE.");
+    }
+    rates.*kind->second = ParseRate(text.substr(equals + 1));
+  }
+  return rates;
+}
+
+VirtualSensor MakeSensor(const Options& options) {
+  if (options.modbus) throw std::invalid_argument("This virtual sensor does not speak Modbus yet.");
+  VirtualSensor sensor({.part = options.part,
+                        .variant = options.variant,
+                        .id = options.id.value_or(1),
+                        .pace = options.pace,
+                        .faults = ParseFaults(options.faults),
+                        .seed = options.seed});
+  if (!options.image) return sensor;
+  const auto image = brelant::bench::ReadWhole(*options.image);
+  if (image && !sensor.Restore(*image)) {
+    throw std::invalid_argument(options.image->string() + " is no image of this sensor.");
+  }
+  if (options.id) sensor.SetId(*options.id);
+  return sensor;
+}
+
+void Serve(VirtualSensor& sensor, const Options& options) {
+  brelant::bench::PtyServer server(sensor);
+  std::optional<brelant::bench::DeviceLink> link;
+  if (options.link) link.emplace(*options.link, server.DeviceName());
+  std::cout << server.DeviceName() << std::endl;
+  const auto store = [&] {
+    if (options.image) brelant::bench::WriteWhole(*options.image, sensor.Image());
+  };
+  server.Serve(store);
+  store();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("A virtual CO2 sensor on a pseudo-terminal. The first line it prints is the device's name.",
+               "brelant-sensor");
+  Describe(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kBadOptions;
+  }
+  try {
+    VirtualSensor sensor = MakeSensor(options);
+    Serve(sensor, options);
+    return 0;
+  } catch (const std::invalid_argument& error) {
+    std::cerr << error.what() << '\n';
+    return kBadOptions;
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return kFailed;
+  }
+}

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <cmath>
+#include <stdexcept>
+
+#include "bench/gas_path.h"
+#include "bench/platform_6x.h"
+#include "bench/platforms.h"
+
+namespace brelant::bench {
+namespace {
+
+// docs/memory-maps.md names the fields.
+constexpr std::size_t kCalibrationBase = 34;
+constexpr std::size_t kZeroWord = 46;
+constexpr std::size_t kDisplay = 50;
+constexpr std::size_t kBackground = 58;
+constexpr std::size_t kPreAlarm = 76;
+constexpr std::size_t kMainAlarm = 78;
+constexpr std::size_t kOxygenPreAlarm = 80;
+constexpr std::size_t kOxygenMainAlarm = 84;
+constexpr std::size_t kTemperatureCoefficient = 83;
+constexpr std::size_t kLive = 12;  // in RAM, as the next
+constexpr std::size_t kSignal = 40;
+
+constexpr std::size_t kTemperatureChannel = 4;
+constexpr std::size_t kGasChannel = 5;
+constexpr std::size_t kOxygenChannel = 6;
+constexpr std::size_t kTemperatureTable = 0;
+constexpr std::size_t kGasTable = 4;
+
+constexpr int kMeasuresOxygen = 0;  // a variant; the other measures CO2 in ppm
+
+const GasCurve& CurveOf(const Product& product) {
+  return product.variant == kMeasuresOxygen ? kCurveB : kCurveC;
+}
+
+// Only one product spreads the scale: part 215 in its ppm variant.
+int SpreadOf(const Product& product) {
+  return product.part == 215 && product.variant != kMeasuresOxygen ? 2 : 1;
+}
+
+}  // namespace
+
+void FillPlatform61(const Product& product, Memory& memory) {
+  if (product.variant > 1) throw std::invalid_argument("Platform 61 has the variants 0 and 1.");
+  Bytes eeprom = memory.eeprom;
+  const bool oxygen = product.variant == kMeasuresOxygen;
+  FillIdentity6x(product, memory);
+  const GasWords gas = GasWordsOf(CurveOf(product), SpreadOf(product));
+  PutWord(eeprom, kZeroWord, kNewZeroWord);
+  for (const std::size_t index : {0U, 1U}) {
+    PutWord(eeprom, kCalibrationBase + 2 * index, gas.calibration_base);
+    PutWord(eeprom, kBackground + 2 * index, gas.background);
+  }
+  eeprom[kDisplay] = kGasChannel << 4 | kTemperatureChannel;
+  eeprom[kDisplay + 1] =
+      static_cast<std::uint8_t>(kGasChannel << 4 | (oxygen ? kOxygenChannel : kTemperatureChannel));
+  PutWord(eeprom, kPreAlarm, kRawOffset + (oxygen ? 1500 : 1000));
+  PutWord(eeprom, kMainAlarm, kRawOffset + (oxygen ? 3000 : 1400));
+  PutWord(eeprom, kOxygenPreAlarm, kRawOffset + 1900);
+  PutWord(eeprom, kOxygenMainAlarm, kRawOffset + 1800);
+  eeprom[kTemperatureCoefficient] = 127;
+  PutChannelKind(eeprom, kTemperatureChannel, kKindCelsius);
+  PutChannelKind(eeprom, kGasChannel, oxygen ? kKindPercentThousandths : kKindPpm);
+  PutChannelKind(eeprom, kOxygenChannel, kKindPercentHundredths);
+  PutTable(eeprom, TableAt6x(kTemperatureTable), TemperatureTable6x());
+  PutTable(eeprom, TableAt6x(kGasTable), gas.table);
+}
+
+void MovePlatform61(const Product& product, Memory& memory, const Moment& moment) {
+  Bytes ram = memory.ram;
+  const bool oxygen = product.variant == kMeasuresOxygen;
+  const GasCurve& curve = CurveOf(product);
+  const double ppm = (oxygen ? kCellarGas : kRoomGas).At(moment.seconds);
+  const int signal = SignalAt(curve.Transmission(ppm / curve.ppm_per_unit) * kZeroGas);
+  PutWord(ram, kSignal, signal);
+  const double position = PositionBy(Word(memory.eeprom, kZeroWord), signal, SpreadOf(product));
+  PutWord(ram, kLive + 2 * kTemperatureChannel,
+          TemperatureThrough6x(memory, kTemperature.At(moment.seconds)));
+  PutWord(ram, kLive + 2 * kGasChannel, ThroughTable6x(memory, kGasTable, position));
+  const double oxygen_raw = kRawOffset + kOxygen.At(moment.seconds) * 100;
+  if (oxygen) PutWord(ram, kLive + 2 * kOxygenChannel, static_cast<int>(std::lround(oxygen_raw)));
+}
+
+}  // namespace brelant::bench

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
+#include <set>
+#include <utility>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "bench/function_block.h"
+#include "bench/virtual_sensor.h"
+
+namespace brelant::bench {
+namespace {
+
+using std::chrono::seconds;
+
+int WordAt(ConstBytes memory, std::size_t address) {
+  return memory[address] * 256 + memory[address + 1];
+}
+
+void SetWord(Bytes memory, std::size_t address, int value) {
+  memory[address] = static_cast<std::uint8_t>(value / 256);
+  memory[address + 1] = static_cast<std::uint8_t>(value % 256);
+}
+
+// How many of the polls of ten minutes, two seconds apart, show another word than the poll before.
+int Changes(VirtualSensor& sensor, std::size_t address) {
+  int changes = 0;
+  int before = -1;
+  for (int t = 0; t < 600; t += 2) {
+    sensor.Advance(seconds(t));
+    const int word = WordAt(sensor.Ram(), address);
+    if (word != before) ++changes;
+    before = word;
+  }
+  return changes;
+}
+
+TEST(LiveValues, MoveFromPollToPoll) {
+  struct Case {
+    int part;
+    std::size_t address;
+  };
+  for (const auto& [part, address] :
+       {Case{231, 20}, Case{231, 22}, Case{231, 24}, Case{231, 26}, Case{104, 20}, Case{112, 22},
+        Case{120, 24}, Case{217, 12}, Case{217, 14}, Case{217, 20}, Case{217, 30}, Case{215, 20},
+        Case{215, 22}, Case{215, 24}, Case{50, 20}, Case{50, 22}, Case{50, 24}}) {
+    VirtualSensor sensor({.part = part});
+    EXPECT_GT(Changes(sensor, address), 250) << part << " at " << address;
+  }
+}
+
+TEST(LiveValues, AreAFunctionOfTimeAlone) {
+  VirtualSensor straight({.part = 231});
+  VirtualSensor roundabout({.part = 231});
+  for (int t = 0; t < 100; ++t) roundabout.Advance(seconds(t));
+  straight.Advance(seconds(100));
+  roundabout.Advance(seconds(100));
+  EXPECT_EQ(straight.Image(), roundabout.Image());
+}
+
+TEST(LiveValues, ReceivingDoesNotMoveThem) {
+  VirtualSensor sensor({.part = 231});
+  const auto before = sensor.Image();
+  sensor.Receive(254, seconds(1000));
+  EXPECT_EQ(sensor.Image(), before);
+}
+
+// At time 0 every wave stands at its mean: 22 C, 45 % humidity, 18300 ppm in a cellar, 1050 ppm in a room.
+TEST(LiveValues, OfPlatform5AtTheStart) {
+  VirtualSensor sensor({.part = 231});
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 5000 + 2200);
+  EXPECT_EQ(WordAt(sensor.Ram(), 24), 5000 + 450);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 22), 5000 + 1830, 1);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 26), 5000 + 1830, 1);
+}
+
+TEST(LiveValues, OfEachCurveOnPlatform5AtTheStart) {
+  VirtualSensor sensor({.part = 104});
+  EXPECT_NEAR(WordAt(sensor.Ram(), 20), 5000 + 1050, 2);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 22), 5000 + 1830, 2);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 24), 5000 + 1050, 2);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 26), 5000 + 1830, 2);
+}
+
+TEST(LiveValues, OfPlatform6AtTheStart) {
+  VirtualSensor sensor({.part = 217});
+  EXPECT_EQ(WordAt(sensor.Ram(), 12), 5000 + 2200);
+  EXPECT_EQ(WordAt(sensor.Ram(), 14), 5000 + 2050);
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 5000 + 450);
+  // The sensor interpolates in its table, the gas does not.
+  EXPECT_NEAR(WordAt(sensor.Ram(), 30), 5000 + 1050, 25);
+}
+
+TEST(LiveValues, OfPlatform61AtTheStart) {
+  VirtualSensor oxygen({.part = 215, .variant = 0});
+  EXPECT_EQ(WordAt(oxygen.Ram(), 20), 5000 + 2200);
+  EXPECT_NEAR(WordAt(oxygen.Ram(), 22), 5000 + 1830, 60);
+  EXPECT_EQ(WordAt(oxygen.Ram(), 24), 5000 + 1930);
+  VirtualSensor ppm({.part = 215, .variant = 1});
+  EXPECT_NEAR(WordAt(ppm.Ram(), 22), 5000 + 1050, 25);
+}
+
+TEST(LiveValues, OfPlatform7AtTheStart) {
+  VirtualSensor sensor({.part = 50});
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 2200);
+  EXPECT_NEAR(WordAt(sensor.Ram(), 22), 1830, 60);
+  EXPECT_EQ(WordAt(sensor.Ram(), 24), 1930);
+  EXPECT_EQ(sensor.Ram()[67], 0);
+}
+
+// Alarms come and go: in an hour, every bit is seen set and clear.
+void EveryAlarmComesAndGoes(VirtualSensor& sensor, std::size_t address, int bits) {
+  int seen_set = 0;
+  int seen_clear = 0;
+  for (int t = 0; t < 3600; t += 2) {
+    sensor.Advance(seconds(t));
+    seen_set |= sensor.Ram()[address];
+    seen_clear |= ~sensor.Ram()[address];
+  }
+  EXPECT_EQ(seen_set & bits, bits);
+  EXPECT_EQ(seen_clear & bits, bits);
+}
+
+TEST(Alarms, OfPlatform5ComeAndGo) {
+  VirtualSensor with_average({.part = 231, .variant = 1});
+  EveryAlarmComesAndGoes(with_average, 255, 31);
+  VirtualSensor without({.part = 112, .variant = 1});
+  EveryAlarmComesAndGoes(without, 255, 31);
+}
+
+TEST(Alarms, OfPlatform7ComeAndGo) {
+  VirtualSensor sensor({.part = 50});
+  EveryAlarmComesAndGoes(sensor, 210, 3);
+}
+
+TEST(Alarms, LevelsOfPlatform61AreCrossed) {
+  VirtualSensor sensor({.part = 215});
+  const std::array levels{std::pair{22U, 76U}, std::pair{22U, 78U}, std::pair{24U, 80U}, std::pair{24U, 84U}};
+  for (const auto& [value, level] : levels) {
+    std::set<bool> sides;
+    for (int t = 0; t < 3600; t += 2) {
+      sensor.Advance(seconds(t));
+      sides.insert(WordAt(sensor.Ram(), value) > WordAt(sensor.Eeprom(), level));
+    }
+    EXPECT_EQ(sides.size(), 2U) << level;
+  }
+}
+
+TEST(Alarms, FollowALevelThatTheHostWrites) {
+  VirtualSensor sensor({.part = 50});
+  SetWord(sensor.Eeprom(), 840, 1);  // main alarm above 0.001 %
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(sensor.Ram()[210] & 2, 2);
+  SetWord(sensor.Eeprom(), 840, 9999);
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(sensor.Ram()[210] & 2, 0);
+}
+
+TEST(Calibration, AZeroWordMovesTheReadingOfPlatform5) {
+  VirtualSensor sensor({.part = 231});
+  const int signal = WordAt(sensor.Ram(), 70);
+  SetWord(sensor.Ram(), 130, 125829120 / signal);
+  sensor.Advance(seconds(0));
+  EXPECT_NEAR(WordAt(sensor.Ram(), 22), 5000, 5);
+}
+
+TEST(Calibration, AZeroWordMovesTheReadingOfTheOthers) {
+  struct Case {
+    int part;
+    std::size_t signal;
+    std::size_t zero;
+    std::size_t value;
+    int none;
+  };
+  for (const auto& [part, signal, zero, value, none] :
+       {Case{217, 72, 46, 30, 5000}, Case{215, 40, 46, 22, 5000}, Case{50, 40, 14, 22, 0}}) {
+    VirtualSensor sensor({.part = part});
+    SetWord(sensor.Eeprom(), zero, 125829120 / WordAt(sensor.Ram(), signal));
+    sensor.Advance(seconds(0));
+    EXPECT_NEAR(WordAt(sensor.Ram(), value), none, 5) << part;
+  }
+}
+
+TEST(Calibration, ATemperatureIsShiftedByItsWordOrItsTable) {
+  VirtualSensor five({.part = 231});
+  SetWord(five.Ram(), 128, WordAt(five.Ram(), 128) + 150);
+  five.Advance(seconds(0));
+  EXPECT_EQ(WordAt(five.Ram(), 20), 5000 + 2350);
+
+  VirtualSensor seven({.part = 50});
+  for (std::size_t at = 512; at < 546; at += 2) SetWord(seven.Eeprom(), at, WordAt(seven.Eeprom(), at) + 150);
+  seven.Advance(seconds(0));
+  EXPECT_EQ(WordAt(seven.Ram(), 20), 2350);
+}
+
+TEST(Calibration, OxygenAnswersItsZeroAndItsSpan) {
+  VirtualSensor sensor({.part = 50});
+  SetWord(sensor.Eeprom(), 0, 1024);  // half of 19.3 %
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 24), 965);
+  SetWord(sensor.Eeprom(), 760, WordAt(sensor.Ram(), 38));
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 24), 0);
+}
+
+// Function 1 of part 231 runs from 20 to 26 C and feeds output 1; at 22 C it stands at a third.
+TEST(Outputs, OfPlatform5FollowTheirFunctions) {
+  VirtualSensor sensor({.part = 231});
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 5461);
+  sensor.Ram()[168] = static_cast<std::uint8_t>(sensor.Ram()[168] | 128);
+  sensor.Ram()[170] = static_cast<std::uint8_t>(sensor.Ram()[170] & 127);  // falling: two thirds
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 10923);
+}
+
+TEST(Outputs, OfPlatform5AddTheirBaseLine) {
+  VirtualSensor sensor({.part = 231});
+  SetWord(sensor.Ram(), 194, 32768 + 8192);  // 50 % on top of a third
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 13653);
+  SetWord(sensor.Ram(), 194, 32768 - 8192);
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 0);
+}
+
+TEST(Outputs, OfPlatform5SwitchWhenDigital) {
+  VirtualSensor sensor({.part = 231});
+  sensor.Ram()[193] = 64 | 2;
+  SetWord(sensor.Ram(), 199, 16384);
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 16384);  // in between it stays
+  SetWord(sensor.Ram(), 168, 5000 + 2300 + 32768);
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 199), 0);
+}
+
+// Function 1 of platform 6 has no sign: 20 to 26 C are -100 to 100 %, so 22 C are -33 %.
+TEST(Outputs, OfPlatform6FollowTheirFunctions) {
+  VirtualSensor sensor({.part = 217});
+  EXPECT_EQ(WordAt(sensor.Ram(), 238), 0);
+  sensor.Eeprom()[143] = static_cast<std::uint8_t>(sensor.Eeprom()[143] | 16);  // inverted
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 238), 5461);
+  sensor.Eeprom()[142] = 160;  // a base line of 50 %
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 238), 2731);
+}
+
+TEST(Outputs, StayBetween0And100Percent) {
+  VirtualSensor sensor({.part = 217});
+  for (int t = 0; t < 600; t += 2) {
+    sensor.Advance(seconds(t));
+    for (const std::size_t at : {236U, 238U, 26U, 28U}) ASSERT_LE(WordAt(sensor.Ram(), at), 16384);
+  }
+}
+
+TEST(Contribution, BySignAndSlope) {
+  const auto at_a_quarter = [](bool positive, bool rising) {
+    return Contribution({.channel = 0, .a = 6000, .b = 6400, .positive = positive, .rising = rising}, 6100);
+  };
+  EXPECT_DOUBLE_EQ(at_a_quarter(true, true), 25);
+  EXPECT_DOUBLE_EQ(at_a_quarter(true, false), 75);
+  EXPECT_DOUBLE_EQ(at_a_quarter(false, false), -25);
+  EXPECT_DOUBLE_EQ(at_a_quarter(false, true), -75);
+}
+
+TEST(Contribution, DoesNotGoBeyondTheEnds) {
+  const FunctionBlock block{.channel = 0, .a = 6000, .b = 6400, .positive = true, .rising = true};
+  EXPECT_DOUBLE_EQ(Contribution(block, 5000), 0);
+  EXPECT_DOUBLE_EQ(Contribution(block, 9000), 100);
+  const FunctionBlock step{.channel = 0, .a = 6000, .b = 6000, .positive = true, .rising = true};
+  EXPECT_DOUBLE_EQ(Contribution(step, 5999), 0);
+  EXPECT_DOUBLE_EQ(Contribution(step, 6000), 100);
+}
+
+}  // namespace
+}  // namespace brelant::bench

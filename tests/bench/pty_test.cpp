@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// brelant-sensor as a process, from the far end of its pseudo-terminal.
+#include <array>
+#include <csignal>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "bench/whole_file.h"
+
+namespace brelant::bench {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using ByteList = std::vector<std::uint8_t>;
+
+constexpr int kPatience = 10000;  // ms; reached only when something is wrong
+
+/// The program, with its standard output and error on a pipe.
+class SensorProcess {
+ public:
+  explicit SensorProcess(std::vector<std::string> options) {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+    output_ = ends[0];
+    posix_spawn_file_actions_t actions{};
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDERR_FILENO);
+    options.insert(options.begin(), BRELANT_SENSOR);
+    std::vector<char*> arguments;
+    for (std::string& option : options) arguments.push_back(option.data());
+    arguments.push_back(nullptr);
+    EXPECT_EQ(posix_spawn(&pid_, BRELANT_SENSOR, &actions, nullptr, arguments.data(), environ), 0);
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+  }
+  SensorProcess(const SensorProcess&) = delete;
+  SensorProcess& operator=(const SensorProcess&) = delete;
+  ~SensorProcess() {
+    if (pid_ > 0) End(SIGKILL);
+    close(output_);
+  }
+
+  std::string Line() const {
+    std::string line;
+    char letter = 0;
+    while (read(output_, &letter, 1) == 1 && letter != '\n') line += letter;
+    return line;
+  }
+
+  int ExitStatus() {
+    int status = 0;
+    EXPECT_EQ(waitpid(pid_, &status, 0), pid_);
+    pid_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+  int End(int signal) {
+    kill(pid_, signal);
+    return ExitStatus();
+  }
+
+ private:
+  pid_t pid_ = -1;
+  int output_ = -1;
+};
+
+class Line {
+ public:
+  explicit Line(const std::string& device) : fd_(open(device.c_str(), O_RDWR | O_NOCTTY)) {
+    EXPECT_GE(fd_, 0);
+  }
+  Line(const Line&) = delete;
+  Line& operator=(const Line&) = delete;
+  ~Line() { close(fd_); }
+
+  ByteList Send(const ByteList& bytes, std::size_t expected) const {
+    EXPECT_EQ(write(fd_, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    ByteList reply;
+    pollfd source{fd_, POLLIN, 0};
+    while (reply.size() < expected && poll(&source, 1, kPatience) == 1) {
+      std::uint8_t byte = 0;
+      if (read(fd_, &byte, 1) != 1) break;
+      reply.push_back(byte);
+    }
+    return reply;
+  }
+
+ private:
+  int fd_;
+};
+
+std::filesystem::path Fresh(const std::string& name) {
+  const auto path = std::filesystem::path(testing::TempDir()) / (name + std::to_string(getpid()));
+  std::filesystem::remove(path);
+  return path;
+}
+
+TEST(Pty, ServesAndEndsOnASignal) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    SensorProcess process({"--part", "231"});
+    {
+      const Line line(process.Line());
+      EXPECT_THAT(line.Send({254}, 1), ElementsAre(223));
+      EXPECT_THAT(line.Send({129, 65, 194}, 3), ElementsAre(6, 231, 237));
+    }
+    EXPECT_EQ(process.End(signal), 0);
+  }
+}
+
+TEST(Pty, PassesEveryByteAsItIs) {
+  SensorProcess process({"--part", "50"});
+  const Line line(process.Line());
+  // 3, 4, 10, 13, 17, 19 and 26 mean something to a terminal that is not raw.
+  line.Send({254}, 1);
+  EXPECT_THAT(line.Send({4, 3, 10, 13, 17, 19, 66}, 1), ElementsAre(6));
+  line.Send({254}, 1);
+  EXPECT_THAT(line.Send({132, 3, 135}, 6), ElementsAre(6, 10, 13, 17, 19, 65));
+}
+
+TEST(Pty, MayBeClosedAndOpenedAgain) {
+  SensorProcess process({"--part", "231", "--id", "3"});
+  const std::string device = process.Line();
+  for (int i = 0; i < 5; ++i) {
+    const Line line(device);
+    EXPECT_THAT(line.Send({227}, 1), ElementsAre(223));
+  }
+}
+
+TEST(Pty, LinkStandsForTheDeviceAndGoesAtTheEnd) {
+  const auto link = Fresh("brelant-link");
+  std::filesystem::create_symlink("/nowhere", link);
+  SensorProcess process({"--part", "231", "--link", link.string()});
+  const std::string device = process.Line();
+  EXPECT_EQ(std::filesystem::read_symlink(link), device);
+  EXPECT_THAT(Line(link.string()).Send({254}, 1), ElementsAre(223));
+  EXPECT_EQ(process.End(SIGTERM), 0);
+  EXPECT_FALSE(std::filesystem::is_symlink(link));
+}
+
+TEST(Pty, ImageKeepsTheMemory) {
+  const auto image = Fresh("brelant-image");
+  {
+    SensorProcess process({"--part", "231", "--image", image.string()});
+    const Line line(process.Line());
+    line.Send({254}, 1);
+    EXPECT_THAT(line.Send({65, 80, 5, 150}, 1), ElementsAre(6));
+    EXPECT_EQ(process.End(SIGTERM), 0);
+  }
+  const auto bytes = ReadWhole(image);
+  ASSERT_TRUE(bytes);
+  ASSERT_EQ(bytes->size(), 768U);
+  EXPECT_EQ((*bytes)[208], 5);
+  SensorProcess process({"--part", "231", "--image", image.string()});
+  EXPECT_THAT(Line(process.Line()).Send({229}, 1), ElementsAre(223));
+  SensorProcess other({"--part", "104", "--image", image.string()});
+  EXPECT_THAT(other.Line(), HasSubstr("is no image of this sensor"));
+  EXPECT_EQ(other.ExitStatus(), 2);
+  EXPECT_EQ(process.End(SIGTERM), 0);
+  std::filesystem::remove(image);
+}
+
+TEST(Pty, ImageIsWrittenWhenTheHostSaves) {
+  const auto image = Fresh("brelant-saved");
+  SensorProcess process({"--part", "231", "--image", image.string()});
+  const Line line(process.Line());
+  line.Send({254}, 1);
+  line.Send({65, 80, 5, 150}, 1);
+  line.Send({225 + 4}, 1);
+  EXPECT_THAT(line.Send({161, 0, 161}, 1), ElementsAre(6));
+  // The next answer comes only after the file is there.
+  EXPECT_THAT(line.Send({254}, 1), ElementsAre(223));
+  const auto bytes = ReadWhole(image);
+  ASSERT_TRUE(bytes);
+  EXPECT_EQ((*bytes)[256 + 208], 5);
+  EXPECT_EQ(process.End(SIGTERM), 0);
+  std::filesystem::remove(image);
+}
+
+TEST(Pty, HangUpEndsIt) {
+  SensorProcess process({"--part", "231", "--fault", "hangup=1"});
+  const Line line(process.Line());
+  EXPECT_THAT(line.Send({254}, 1), testing::IsEmpty());
+  EXPECT_EQ(process.ExitStatus(), 0);
+}
+
+TEST(Pty, FaultsAreTakenTogetherOrOneByOne) {
+  SensorProcess process({"--part", "231", "--fault", "nak=1,silence=0", "--fault", "hangup=0"});
+  const Line line(process.Line());
+  line.Send({254}, 1);
+  EXPECT_THAT(line.Send({129, 65, 194}, 3), ElementsAre(134, 231, 109));
+}
+
+TEST(Options, ThatMakeNoSenseExitWith2) {
+  const std::vector<std::vector<std::string>> all{
+      {},
+      {"--part"},
+      {"--part", "many"},
+      {"--part", "300"},
+      {"--part", "20"},
+      {"--part", "231", "--id", "30"},
+      {"--part", "231", "--fault", "laziness=1"},
+      {"--part", "231", "--fault", "late"},
+      {"--part", "231", "--fault", "late=often"},
+      {"--part", "231", "--fault", "late=1.5"},
+      {"--part", "231", "--nonsense"},
+  };
+  for (const auto& options : all) {
+    SensorProcess process(options);
+    EXPECT_EQ(process.ExitStatus(), 2) << testing::PrintToString(options);
+  }
+}
+
+TEST(Options, WhatItDoesNotSpeakYetItSays) {
+  const std::vector<std::vector<std::string>> all{
+      {"--part", "231", "--modbus"}, {"--part", "154"}, {"--part", "40"}};
+  for (const auto& options : all) {
+    SensorProcess process(options);
+    EXPECT_THAT(process.Line(), HasSubstr("does not speak"));
+    EXPECT_EQ(process.ExitStatus(), 2);
+  }
+}
+
+}  // namespace
+}  // namespace brelant::bench

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// make-data DIRECTORY PART...: writes the definition file and a simulated sensor of each platform 5 part
+// number, and the simulated sensors "Last" (of the first part) and "Vega 3". The formats:
+// docs/memory-maps.md.
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <numeric>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bench/channel_plan.h"
+#include "bench/product.h"
+#include "bench/virtual_sensor.h"
+#include "bench/whole_file.h"
+
+namespace {
+
+using brelant::bench::ChannelPlan;
+using brelant::bench::ChannelPlans;
+using brelant::bench::Decimal;
+using brelant::bench::Quantity;
+using brelant::bench::WriteWhole;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr std::size_t kPart = 65;
+
+// Little-endian, as everything in these files.
+void Put(Bytes& file, std::size_t at, std::size_t width, std::int64_t value) {
+  for (std::size_t i = 0; i < width; ++i) file[at + i] = static_cast<std::uint8_t>(value >> (8 * i) & 255);
+}
+
+void PutText(Bytes& file, std::size_t at, std::string_view text) {
+  std::ranges::copy(text, file.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+void PutDecimal(Bytes& file, std::size_t at, const Decimal& decimal) {
+  Put(file, at, 4, decimal.mantissa);
+  Put(file, at + 4, 4, decimal.exponent);
+}
+
+void PutChannel(Bytes& file, std::size_t index, const ChannelPlan& plan) {
+  const std::size_t block = 8 + 96 * index;
+  const bool active = plan.quantity != Quantity::kNone;
+  Put(file, block, 4, active ? 1 : 0);
+  Put(file, block + 4, 4, plan.curve ? 1 : 0);
+  if (plan.curve) {
+    PutDecimal(file, block + 32, plan.curve->a1);
+    PutDecimal(file, block + 40, plan.curve->k);
+    PutDecimal(file, block + 48, plan.curve->a2);
+    PutDecimal(file, block + 56, plan.curve->b);
+    PutDecimal(file, block + 64, plan.curve->a3);
+  }
+  Put(file, block + 72, 4, plan.full_scale);
+  Put(file, block + 80, 4, active ? 1 : 0);
+  PutText(file, 424 + 15 * index, plan.name);
+  Put(file, 624 + 4 * index, 4, plan.type);
+}
+
+Bytes DefinitionFile(int part) {
+  Bytes file(640);
+  const ChannelPlans plans = brelant::bench::PlanOf(part);
+  for (std::size_t i = 0; i < plans.size(); ++i) PutChannel(file, i, plans[i]);
+  PutText(file, 404, "Part " + std::to_string(part));
+  PutText(file, 584, "Platform 5");
+  return file;
+}
+
+// The one block of a platform 5 sensor: RAM 0 to 111 and 128 to 255.
+Bytes SimulationFile(std::span<const std::uint8_t> ram) {
+  constexpr std::size_t kHeader = 17;
+  constexpr std::size_t kBlockHeader = 4;
+  constexpr std::size_t kLower = 112;
+  constexpr std::size_t kUpper = 128;
+  Bytes file(kHeader + kBlockHeader + kLower + kUpper);
+  const auto payload = file.begin() + kHeader + kBlockHeader;
+  std::ranges::copy(ram.first(kLower), payload);
+  std::ranges::copy(ram.last(kUpper), payload + kLower);
+  Put(file, kHeader, 2, 1);
+  Put(file, kHeader + 2, 2, kLower + kUpper);
+  Put(file, 0, 1, 1);
+  Put(file, 1, 2, std::accumulate(file.begin() + kHeader, file.end(), 0));
+  Put(file, 3, 2, static_cast<std::int64_t>(file.size() - kHeader));
+  Put(file, 5, 2, 1);
+  return file;
+}
+
+Bytes SimulatedSensor(int part) {
+  brelant::bench::VirtualSensor sensor({.part = part});
+  return SimulationFile(sensor.Ram());
+}
+
+// The program knows this one by its name; the file only has to be there and to be whole.
+Bytes SafetySystem() {
+  Bytes ram(256);
+  ram[kPart] = 154;
+  return SimulationFile(ram);
+}
+
+std::string DefinitionName(int part) {
+  const std::string number = std::to_string(part);
+  return "DEF" + std::string(5 - number.size(), '0') + number + ".PDT";
+}
+
+void WritePart(const std::filesystem::path& directory, int part) {
+  if (brelant::bench::PlatformOfPart(part) != 5) {
+    throw std::invalid_argument("Part number " + std::to_string(part) + " is not of platform 5.");
+  }
+  WriteWhole(directory / DefinitionName(part), DefinitionFile(part));
+  WriteWhole(directory / ("Platform 5 part " + std::to_string(part) + ".sim"), SimulatedSensor(part));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
+  if (arguments.size() < 3) {
+    std::cerr << "make-data DIRECTORY PART...\n";
+    return 2;
+  }
+  try {
+    const std::filesystem::path directory = arguments[1];
+    std::filesystem::create_directories(directory);
+    for (const char* part : arguments.subspan(2)) WritePart(directory, std::stoi(part));
+    WriteWhole(directory / "Last.sim", SimulatedSensor(std::stoi(arguments[2])));
+    WriteWhole(directory / "Vega 3.sim", SafetySystem());
+    return 0;
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
+    return 1;
+  }
+}
