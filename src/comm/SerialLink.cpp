@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "comm/SerialLink.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 
@@ -23,9 +24,11 @@ bool SerialLink::ProbePort(float seconds) {
     const double start = machine_.clock.Timer();
     const double waitUntil = Round(start + seconds);
     double now = start;
-    // The clock falls below its start when midnight passes.
+    // The clock falls below its start when midnight passes, which must not be slept through.
+    constexpr double kDay = 86400;
     while (port.InBufferCount() == 0 && now < waitUntil && now >= start) {
-      const auto left = duration_cast<microseconds>(std::chrono::duration<double>(waitUntil - now));
+      const auto left =
+          duration_cast<microseconds>(std::chrono::duration<double>(std::min(waitUntil, kDay) - now));
       PumpUntil(machine_.clock.Now() + left + milliseconds(1), 1);
       now = machine_.clock.Timer();
     }

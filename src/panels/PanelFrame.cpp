@@ -10,6 +10,7 @@ namespace brelant {
 namespace {
 
 constexpr double kPollPeriod = 2.0;
+constexpr double kDay = 86400;
 constexpr int kEnterKey = 13;
 
 constexpr const char* kTitle = "KVX3.0";
@@ -63,8 +64,9 @@ void PanelFrame::LetEventsRun(double lastPoll) {
   }
   auto until = std::chrono::microseconds::max();
   if (!Simulated()) {
-    const double left = std::clamp(lastPoll + kPollPeriod - clock.Timer(), 0.0, kPollPeriod);
-    // A millisecond more, because the poll is due only once the period has been exceeded.
+    const double now = clock.Timer();
+    // Midnight moves the poll, so the loop must not sleep past it.
+    const double left = std::min(std::clamp(lastPoll + kPollPeriod - now, 0.0, kPollPeriod), kDay - now);
     until = clock.Now() + std::chrono::milliseconds(static_cast<int>(left * 1000) + 1);
   } else if (const auto period = SimulatedPeriod()) {
     until = clock.Now() + *period;
@@ -174,16 +176,14 @@ void PanelFrame::Restore() {
   FormUpdate();
 }
 
-bool PanelFrame::PopUp(Control& label, const ControlArray& menu) {
+void PanelFrame::PopUp(Control& label, const ControlArray& menu) {
   PopupTarget = &label;
   std::vector<std::string> captions;
   for (const auto* entry : menu) {
     if (entry->Visible()) captions.push_back(entry->Text());
   }
   const auto choice = context_.machine.userInterface.PopupMenu(captions);
-  if (!choice) return false;
-  PopupTarget->SetText(captions.at(*choice));
-  return true;
+  if (choice) PopupTarget->SetText(captions.at(*choice));
 }
 
 std::optional<int> PanelFrame::FindCaption(const ControlArray& menu, int count, const std::string& caption) {
@@ -203,7 +203,7 @@ void PanelFrame::ToggleComSet() {
 }
 
 void PanelFrame::OpenHelp() {
-  const auto name = "\\help" + std::to_string(context_.info.GetPlatform()) + "v" +
+  const auto name = "help" + std::to_string(context_.info.GetPlatform()) + "v" +
                     NumberText(context_.info.GetProductVariant()) + ".html";
   context_.machine.userInterface.ShellOpen(context_.session.AppDir + name);
 }

@@ -107,8 +107,8 @@ class PanelFrame : public Panel {
   void Restore();
   void MakeEditable(Control& field, std::function<void()> check = {});
 
-  /// Pops up the visible entries of a menu; the choice becomes the text of the label. False: nothing chosen.
-  bool PopUp(Control& label, const ControlArray& menu);
+  /// Pops up the visible entries of a menu; the choice, if there is one, becomes the text of the label.
+  void PopUp(Control& label, const ControlArray& menu);
   /// Index of the entry with that caption among the first `count`, a visible one before a hidden one.
   static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
 

@@ -418,32 +418,31 @@ void frm5::ReadTrigger() {
 
 void frm5::ChooseTempUnit(int index) {
   FormRead();
-  const bool chosen = PopUp(lblCH_Type[index], ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}));
-  if (chosen && index == 0) Ram(kTypeOverride) = lblCH_Type[0].Text() == mTempUnitFarenheit.Text() ? 32 : 16;
+  PopUp(lblCH_Type[index], ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}));
+  if (index == 0) Ram(kTypeOverride) = lblCH_Type[0].Text() == mTempUnitFarenheit.Text() ? 32 : 16;
   FormUpdate();
 }
 
 void frm5::ChooseFunctionChannel(int function) {
   FormRead();
-  if (PopUp(lblFchannel[function], mCHannel)) {
-    const auto channel = FindCaption(mCHannel, kChannels, lblFchannel[function].Text());
-    if (channel) Ram(FunctionRecord(function)) = static_cast<float>(*channel);
-  }
+  PopUp(lblFchannel[function], mCHannel);
+  const auto channel = FindCaption(mCHannel, kChannels, lblFchannel[function].Text());
+  if (channel) Ram(FunctionRecord(function)) = static_cast<float>(*channel);
   FormUpdate();
 }
 
 void frm5::ChooseShiftChannel() {
   FormRead();
-  if (PopUp(lblShiftb, mCHannel)) {
-    if (const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text())) {
-      Ram(kShiftChannel) = AsByte(context_.definitions.Channel(*channel).ChannelType * 16.0 + *channel);
-    }
+  PopUp(lblShiftb, mCHannel);
+  if (const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text())) {
+    Ram(kShiftChannel) = AsByte(context_.definitions.Channel(*channel).ChannelType * 16.0 + *channel);
   }
   FormUpdate();
 }
 
 void frm5::ChooseAndStore(Control& label, const ControlArray& menu) {
-  if (PopUp(label, menu)) Restore();
+  PopUp(label, menu);
+  Restore();
 }
 
 // The sensor

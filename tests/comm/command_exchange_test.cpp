@@ -45,16 +45,16 @@ TEST_F(CommandExchangeTest, HasNoPauseBeforeTheAttemptAndEightMillisecondsAfterT
   line.Expect({254}).Reply({223}, milliseconds(2)).Expect({161, 0, 161}).Reply({6}, milliseconds(900));
   EXPECT_TRUE(bus.com.SensorCommand(1, false));
   const auto sent = Outputs();
-  EXPECT_EQ(sent[0].at, start);
-  EXPECT_THAT(sent[1].at - sent[0].at, Lasts(milliseconds(2 + 8)));
-  EXPECT_EQ(sent[3].at, sent[1].at);
+  EXPECT_EQ(sent.at(0).at, start);
+  EXPECT_THAT(sent.at(1).at - sent.at(0).at, Lasts(milliseconds(2 + 8)));
+  EXPECT_EQ(sent.at(3).at, sent.at(1).at);
   EXPECT_THAT(Elapsed(), Lasts(milliseconds(2 + 8 + 900)));
 }
 
 TEST_F(CommandExchangeTest, WaitsTwentyMillisecondsForTheClear) {
   EXPECT_FALSE(bus.com.SensorCommand(1, false));
   const auto requests = RequestsToSend();
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(20)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(20)));
 }
 
 TEST_F(CommandExchangeTest, TakesAClearAndAStatusThatComeInTime) {
@@ -69,7 +69,7 @@ TEST_F(CommandExchangeTest, WaitsThreeSecondsForTheStatus) {
   EXPECT_FALSE(bus.com.SensorCommand(1, false));
   const auto requests = RequestsToSend();
   ASSERT_EQ(requests.size(), 100U);
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(1 + 8 + 3000)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(1 + 8 + 3000)));
 }
 
 TEST_F(CommandExchangeTest, TriesAgainWithoutAPause) {
@@ -79,8 +79,8 @@ TEST_F(CommandExchangeTest, TriesAgainWithoutAPause) {
   EXPECT_TRUE(bus.com.SensorCommand(1, false));
   EXPECT_EQ(line.Trouble(), "");
   const auto requests = RequestsToSend();
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(2)));
-  EXPECT_THAT(requests[2] - requests[1], Lasts(milliseconds(2 + 8 + 2)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(2)));
+  EXPECT_THAT(requests.at(2) - requests.at(1), Lasts(milliseconds(2 + 8 + 2)));
 }
 
 TEST_F(CommandExchangeTest, ThrowsAwayWhatComesInThePauseAfterTheClear) {

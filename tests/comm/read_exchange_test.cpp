@@ -43,10 +43,10 @@ TEST_F(ReadExchangeTest, KeepsItsPauses) {
   EXPECT_TRUE(ReadByte());
   const auto sent = Outputs();
   ASSERT_EQ(sent.size(), 4U);
-  EXPECT_THAT(sent[0].at - start, Lasts(milliseconds(5)));
-  EXPECT_THAT(sent[1].at - sent[0].at, Lasts(milliseconds(2 + 8)));
-  EXPECT_EQ(sent[2].at, sent[1].at);
-  EXPECT_EQ(sent[3].at, sent[1].at);
+  EXPECT_THAT(sent.at(0).at - start, Lasts(milliseconds(5)));
+  EXPECT_THAT(sent.at(1).at - sent.at(0).at, Lasts(milliseconds(2 + 8)));
+  EXPECT_EQ(sent.at(2).at, sent.at(1).at);
+  EXPECT_EQ(sent.at(3).at, sent.at(1).at);
   EXPECT_THAT(Elapsed(), Lasts(milliseconds(5 + 2 + 8 + 7)));
 }
 
@@ -58,15 +58,15 @@ TEST_F(ReadExchangeTest, PausesBeforeEachChunk) {
   const auto requests = RequestsToSend();
   ASSERT_EQ(requests.size(), 2U);
   // Request to send, 2 ms to the clear, 8 ms, 2 ms to the reply, 5 ms.
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(2 + 8 + 2 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(2 + 8 + 2 + 5)));
 }
 
 TEST_F(ReadExchangeTest, WaitsAHundredMillisecondsForTheClear) {
   EXPECT_FALSE(ReadByte(3));
   const auto requests = RequestsToSend();
   ASSERT_EQ(requests.size(), 3U);
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(100 + 5)));
-  EXPECT_THAT(requests[2] - requests[1], Lasts(milliseconds(100 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(100 + 5)));
+  EXPECT_THAT(requests.at(2) - requests.at(1), Lasts(milliseconds(100 + 5)));
 }
 
 TEST_F(ReadExchangeTest, TakesAClearThatComesInTime) {
@@ -82,8 +82,8 @@ TEST_F(ReadExchangeTest, AClearThatComesTooLateIsThrownAway) {
   line.Expect({254}).Reply({223}, milliseconds(2)).Expect(Request()).Reply({6, 44, 50});
   EXPECT_TRUE(ReadByte(2));
   EXPECT_EQ(line.Trouble(), "");
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(105)));
-  EXPECT_THAT(Outputs()[2].at - Outputs()[1].at, Lasts(milliseconds(2 + 8)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(105)));
+  EXPECT_THAT(Outputs().at(2).at - Outputs().at(1).at, Lasts(milliseconds(2 + 8)));
 }
 
 TEST_F(ReadExchangeTest, TriesAgainAtOnceWhenTheFirstByteIsNoClear) {
@@ -94,8 +94,8 @@ TEST_F(ReadExchangeTest, TriesAgainAtOnceWhenTheFirstByteIsNoClear) {
   EXPECT_TRUE(ReadByte());
   EXPECT_EQ(line.Trouble(), "");
   const auto requests = RequestsToSend();
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(2 + 5)));
-  EXPECT_THAT(requests[2] - requests[1], Lasts(milliseconds(2 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(2 + 5)));
+  EXPECT_THAT(requests.at(2) - requests.at(1), Lasts(milliseconds(2 + 5)));
 }
 
 TEST_F(ReadExchangeTest, LooksAtTheFirstByteOfTheClearOnly) {
@@ -125,7 +125,7 @@ TEST_F(ReadExchangeTest, WaitsTwoHundredMillisecondsForTheReply) {
   EXPECT_FALSE(ReadByte(2));
   const auto requests = RequestsToSend();
   ASSERT_EQ(requests.size(), 2U);
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(1 + 8 + 200 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(1 + 8 + 200 + 5)));
 }
 
 TEST_F(ReadExchangeTest, TakesAReplyWhoseLastByteComesInTime) {
@@ -142,7 +142,7 @@ TEST_F(ReadExchangeTest, AShortReplyIsThrownAway) {
   EXPECT_TRUE(ReadByte());
   EXPECT_EQ(line.Trouble(), "");
   EXPECT_EQ(image.RamImage[80], 45);
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 8 + 200 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 8 + 200 + 5)));
 }
 
 TEST_F(ReadExchangeTest, AShortReplyLeavesNothingInTheImage) {
@@ -177,7 +177,7 @@ TEST_F(ReadExchangeTest, AnyOtherStatusIsAFailedAttempt) {
   EXPECT_EQ(line.Trouble(), "");
   EXPECT_EQ(image.RamImage[80], 45);
   EXPECT_FALSE(session.NakSeen);
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 8 + 2 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 8 + 2 + 5)));
 }
 
 TEST_F(ReadExchangeTest, AWrongStatusLeavesTheImageAlone) {
@@ -194,7 +194,7 @@ TEST_F(ReadExchangeTest, AWrongChecksumIsAFailedAttempt) {
   EXPECT_EQ(line.Trouble(), "");
   EXPECT_EQ(image.RamImage[80], 45);
   EXPECT_TRUE(session.NakSeen);
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 8 + 2 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 8 + 2 + 5)));
 }
 
 TEST_F(ReadExchangeTest, AHundredWrongChecksumsLeaveTheBadBytesFlaggedValid) {
@@ -239,8 +239,8 @@ TEST_F(ReadExchangeTest, WakesTheModemBehindThePauseAndWithoutOneOfItsOwn) {
   const auto requests = RequestsToSend();
   const auto pulse = port.Of(test::ScriptedPort::Act::dtrOn).at(0).at;
   EXPECT_EQ(port.Of(test::ScriptedPort::Act::dtrOff).at(0).at, pulse);
-  EXPECT_THAT(pulse - requests[9], Lasts(milliseconds(100 + 5)));
-  EXPECT_EQ(requests[10], pulse);
+  EXPECT_THAT(pulse - requests.at(9), Lasts(milliseconds(100 + 5)));
+  EXPECT_EQ(requests.at(10), pulse);
   for (const auto& output : Outputs()) {
     if (output.bytes != Bytes{254}) {
       EXPECT_EQ(output.at, pulse);
@@ -315,8 +315,8 @@ TEST_F(ReadExchangeTest, ThePausesHoldWhenThePassesTakeTime) {
   Dialogue line(port);
   line.Expect({254}).Reply({223}, milliseconds(2)).Expect(Request()).Reply({6, 44, 50}, milliseconds(7));
   EXPECT_TRUE(ReadByte());
-  EXPECT_GE(Outputs()[0].at - start, milliseconds(5));
-  EXPECT_GE(Outputs()[1].at - Outputs()[0].at, milliseconds(10));
+  EXPECT_GE(Outputs().at(0).at - start, milliseconds(5));
+  EXPECT_GE(Outputs().at(1).at - Outputs().at(0).at, milliseconds(10));
 }
 
 }  // namespace

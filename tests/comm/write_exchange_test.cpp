@@ -40,15 +40,15 @@ TEST_F(WriteExchangeTest, KeepsItsPauses) {
   line.Expect({254}).Reply({223}, milliseconds(2)).Expect(Frame()).Reply({6}, milliseconds(30));
   EXPECT_TRUE(WriteWord());
   const auto sent = Outputs();
-  EXPECT_THAT(sent[0].at - start, Lasts(milliseconds(5)));
-  EXPECT_THAT(sent[1].at - sent[0].at, Lasts(milliseconds(2 + 8)));
+  EXPECT_THAT(sent.at(0).at - start, Lasts(milliseconds(5)));
+  EXPECT_THAT(sent.at(1).at - sent.at(0).at, Lasts(milliseconds(2 + 8)));
   EXPECT_THAT(Elapsed(), Lasts(milliseconds(5 + 2 + 8 + 30)));
 }
 
 TEST_F(WriteExchangeTest, WaitsAHundredMillisecondsForTheClear) {
   EXPECT_FALSE(WriteWord());
   const auto requests = RequestsToSend();
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(100 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(100 + 5)));
 }
 
 TEST_F(WriteExchangeTest, WaitsASecondForTheStatus) {
@@ -56,7 +56,7 @@ TEST_F(WriteExchangeTest, WaitsASecondForTheStatus) {
   EXPECT_FALSE(WriteWord());
   const auto requests = RequestsToSend();
   ASSERT_EQ(requests.size(), 10U);
-  EXPECT_THAT(requests[1] - requests[0], Lasts(milliseconds(1 + 8 + 1000 + 5)));
+  EXPECT_THAT(requests.at(1) - requests.at(0), Lasts(milliseconds(1 + 8 + 1000 + 5)));
 }
 
 TEST_F(WriteExchangeTest, TakesAStatusThatComesInTime) {
@@ -71,7 +71,7 @@ TEST_F(WriteExchangeTest, TriesAgainAtOnceWhenTheFirstByteIsNoClear) {
   line.Expect({254}).Reply({6}, milliseconds(2)).Exchange(Frame(), {6});
   EXPECT_TRUE(WriteWord());
   EXPECT_EQ(line.Trouble(), "");
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 5)));
 }
 
 TEST_F(WriteExchangeTest, TriesAgainAfterAWrongStatus) {
@@ -79,7 +79,7 @@ TEST_F(WriteExchangeTest, TriesAgainAfterAWrongStatus) {
   line.Exchange(Frame(), {7}).Exchange(Frame(), {0, 6}).Exchange(Frame(), {6});
   EXPECT_TRUE(WriteWord());
   EXPECT_EQ(line.Trouble(), "");
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 8 + 2 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 8 + 2 + 5)));
   EXPECT_FALSE(session.NakSeen);
 }
 
@@ -105,7 +105,7 @@ TEST_F(WriteExchangeTest, ThrowsTheInputAwayAtTheStartOfThePauseAfterTheClear) {
   line.Exchange(Frame(), {6});
   EXPECT_TRUE(WriteWord());
   EXPECT_EQ(line.Trouble(), "");
-  EXPECT_THAT(RequestsToSend()[1] - RequestsToSend()[0], Lasts(milliseconds(2 + 8 + 5)));
+  EXPECT_THAT(RequestsToSend().at(1) - RequestsToSend().at(0), Lasts(milliseconds(2 + 8 + 5)));
 }
 
 TEST_F(WriteExchangeTest, GivesUpASilentLineAfterTenAttempts) {

@@ -159,8 +159,8 @@ TEST_F(WriteMemoryTest, HalfAWordWithAnUnknownPartnerIsRefused) {
         fresh.com.WriteSensorMemory(0, static_cast<float>(half), 1, true, true, false, false, true, true));
     EXPECT_THAT(fresh.port.Sent(), IsEmpty());
     EXPECT_THAT(fresh.ui.Texts(), ElementsAre("Word varning "));
-    EXPECT_EQ(fresh.ui.messages[0].icon, UserInterface::Icon::stop);
-    EXPECT_EQ(fresh.ui.messages[0].buttons, UserInterface::Buttons::ok);
+    EXPECT_EQ(fresh.ui.messages.at(0).icon, UserInterface::Icon::stop);
+    EXPECT_EQ(fresh.ui.messages.at(0).buttons, UserInterface::Buttons::ok);
     EXPECT_EQ(fresh.session.LastError, "Can't save to sensor");
     EXPECT_FALSE(fresh.port.PortOpen());
   }
@@ -304,9 +304,9 @@ TEST_F(WriteMemoryTest, TheSettingsOfPlatform5GoOutInNineteenExchanges) {
   for (std::size_t i = 0; i < chunks.size(); ++i) {
     const auto [address, count] = chunks[i];
     const int bank = address < 128 ? 0 : 64;
-    EXPECT_EQ(frames[i][0], bank + count) << i;
-    EXPECT_EQ(frames[i][1], address - 2 * bank) << i;
-    EXPECT_EQ(frames[i].size(), static_cast<std::size_t>(count) + 3) << i;
+    EXPECT_EQ(frames.at(i)[0], bank + count) << i;
+    EXPECT_EQ(frames.at(i)[1], address - 2 * bank) << i;
+    EXPECT_EQ(frames.at(i).size(), static_cast<std::size_t>(count) + 3) << i;
   }
   EXPECT_EQ(frames.back(), (Bytes{153, 173, 70}));
 }

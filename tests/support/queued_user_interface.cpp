@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/queued_user_interface.h"
 
+#include <utility>
+
 namespace brelant::test {
 
 namespace {
@@ -8,7 +10,7 @@ namespace {
 template <typename Answer>
 Answer Next(std::deque<Answer>& answers, Answer otherwise) {
   if (answers.empty()) return otherwise;
-  const auto answer = answers.front();
+  auto answer = std::move(answers.front());
   answers.pop_front();
   return answer;
 }

@@ -1,0 +1,401 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <numeric>
+
+#include "support/knowledge.h"
+
+namespace brelant {
+namespace {
+
+using namespace test;
+
+struct Block {
+  int type;
+  Bytes payload;
+};
+
+void PutWord(Bytes& bytes, std::size_t offset, std::size_t value) {
+  bytes[offset] = static_cast<std::uint8_t>(value & 255);
+  bytes[offset + 1] = static_cast<std::uint8_t>(value >> 8 & 255);
+}
+
+/// A settings file of these blocks, sound in all respects.
+Bytes SetFile(const std::vector<Block>& blocks) {
+  Bytes bytes(17);
+  bytes[0] = 1;
+  for (const auto& block : blocks) {
+    const auto at = bytes.size();
+    bytes.resize(at + 4);
+    PutWord(bytes, at, static_cast<std::size_t>(block.type));
+    PutWord(bytes, at + 2, block.payload.size());
+    bytes.insert(bytes.end(), block.payload.begin(), block.payload.end());
+  }
+  PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
+  PutWord(bytes, 3, bytes.size() - 17);
+  PutWord(bytes, 5, blocks.size());
+  return bytes;
+}
+
+/// 0, 1, 2 ... and round again.
+Bytes Rising(std::size_t size, int first = 0) {
+  Bytes bytes(size);
+  for (std::size_t i = 0; i < size; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(i + static_cast<std::size_t>(first));
+  }
+  return bytes;
+}
+
+class SetFileTest : public KnowledgeTest {
+ protected:
+  bool Read(std::uint8_t block, bool apply = true, bool reportError = true) {
+    found = block;
+    return file.ReadSetBlock(kName, found, reportError, apply);
+  }
+  void Store(const Bytes& bytes) { bus.files.Put(kName, bytes); }
+
+  static constexpr const char* kName = "C:\\KVX\\a.set";
+  std::uint8_t found = 0;
+};
+
+TEST_F(SetFileTest, TheBlockOfPlatform5GoesIntoRam) {
+  Store(SetFile({{1, Rising(240)}}));
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 1);
+  for (std::size_t i = 0; i < 112; ++i) {
+    EXPECT_EQ(image.RamImage[i], i);
+    EXPECT_EQ(image.SetBuffer[i], i);
+    EXPECT_TRUE(image.RamValid[i]);
+  }
+  for (std::size_t i = 112; i < 128; ++i) EXPECT_FALSE(image.RamValid[i]) << i;
+  for (std::size_t i = 128; i < 256; ++i) {
+    EXPECT_EQ(image.RamImage[i], i - 16);
+    EXPECT_EQ(image.SetBuffer[i], i - 16);
+    EXPECT_TRUE(image.RamValid[i]);
+  }
+  EXPECT_EQ(image.EepromImage[5], 0);
+}
+
+TEST_F(SetFileTest, TheBlockOfPlatforms6And61GoesIntoEepromAndTellsThePart) {
+  auto payload = Rising(512);
+  payload[164] = 88;
+  Store(SetFile({{10, payload}}));
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 10);
+  for (std::size_t i = 0; i < 512; ++i) {
+    EXPECT_EQ(image.EepromImage[i], payload[i]);
+    EXPECT_TRUE(image.EepromValid[i]);
+  }
+  EXPECT_FALSE(image.EepromValid[512]);
+  EXPECT_EQ(image.RamImage[65], 88);
+  EXPECT_TRUE(image.RamValid[65]);
+  EXPECT_EQ(info.GetPlatform(), 6);
+}
+
+TEST_F(SetFileTest, ASelectionGoesIntoTheRequest) {
+  Bytes payload(542);
+  payload[29] = 9;
+  payload[30] = 255;
+  payload[31] = 15;
+  payload[541] = 1;
+  Store(SetFile({{15, payload}}));
+  EXPECT_TRUE(Read(15, false));
+  EXPECT_EQ(image.ReadRequest[0], 255);
+  EXPECT_EQ(image.ReadRequest[1], 15);
+  EXPECT_EQ(image.ReadRequest[511], 1);
+  EXPECT_EQ(image.SetBuffer[29], 9);
+  EXPECT_EQ(image.SetBuffer[541], 1);
+}
+
+TEST_F(SetFileTest, WithoutApplyingOnlyTheBufferIsFilled) {
+  Store(SetFile({{1, Rising(240, 1)}, {10, Rising(512, 1)}}));
+  EXPECT_TRUE(Read(1, false));
+  EXPECT_EQ(image.SetBuffer[0], 1);
+  EXPECT_EQ(image.RamImage[0], 0);
+  EXPECT_FALSE(image.RamValid[0]);
+  EXPECT_TRUE(Read(10, false));
+  EXPECT_FALSE(image.EepromValid[0]);
+  EXPECT_FALSE(image.RamValid[65]);
+}
+
+TEST_F(SetFileTest, TheFirstBlockOfASensorIsFoundBehindOthers) {
+  Store(SetFile({{15, Bytes(542)}, {10, Rising(512)}}));
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 10);
+  EXPECT_EQ(image.EepromImage[77], 77);
+}
+
+TEST_F(SetFileTest, ABlockIsFoundByItsType) {
+  Store(SetFile({{10, Rising(512)}, {20, Rising(256, 3)}}));
+  EXPECT_TRUE(Read(20));
+  EXPECT_EQ(found, 20);
+  EXPECT_EQ(image.SetBuffer[0], 3);
+  EXPECT_FALSE(image.EepromValid[0]);
+}
+
+TEST_F(SetFileTest, AMissingBlockIsASetfileError) {
+  Store(SetFile({{15, Bytes(542)}}));
+  EXPECT_FALSE(Read(10));
+  EXPECT_EQ(session.LastError, "Setfile error");
+  session.LastError.clear();
+  EXPECT_FALSE(Read(0));
+  EXPECT_EQ(session.LastError, "Setfile error");
+}
+
+TEST_F(SetFileTest, ASoundFileWithoutBlocksIsAccepted) {
+  auto bytes = SetFile({{10, Rising(512)}});
+  PutWord(bytes, 5, 0);
+  Store(bytes);
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 0);
+  EXPECT_FALSE(image.EepromValid[0]);
+}
+
+TEST_F(SetFileTest, OnlyTheLowByteOfTheCountIsUsed) {
+  auto bytes = SetFile({{10, Rising(512)}, {20, Rising(256)}});
+  PutWord(bytes, 5, 257);
+  Store(bytes);
+  EXPECT_TRUE(Read(10));
+  EXPECT_FALSE(Read(20));
+  EXPECT_EQ(session.LastError, "Setfile error");
+}
+
+TEST_F(SetFileTest, TheBufferIsEmptiedFirst) {
+  image.SetBuffer.fill(7);
+  EXPECT_FALSE(Read(0));
+  for (std::size_t i = 0; i < 512; ++i) ASSERT_EQ(image.SetBuffer[i], 0) << i;
+  for (std::size_t i = 512; i < 551; ++i) ASSERT_EQ(image.SetBuffer[i], 7) << i;
+}
+
+TEST_F(SetFileTest, AFileThatIsNotThereIsNotFound) {
+  EXPECT_FALSE(Read(0));
+  EXPECT_EQ(session.LastError, "File not found C:\\KVX\\a.set");
+  session.LastError.clear();
+  std::uint8_t block = 0;
+  EXPECT_FALSE(file.ReadSetBlock("", block, true, true));
+  EXPECT_EQ(session.LastError, "File not found ");
+}
+
+TEST_F(SetFileTest, AFileOfLessThan18BytesIsDamaged) {
+  for (const std::size_t size : {0U, 1U, 16U, 17U}) {
+    session.LastError.clear();
+    Bytes bytes(size, 1);
+    Store(bytes);
+    EXPECT_FALSE(Read(0)) << size;
+    EXPECT_EQ(session.LastError, "File is damaged C:\\KVX\\a.set") << size;
+  }
+}
+
+TEST_F(SetFileTest, AHeaderAloneIsDamagedHoweverSoundItIs) {
+  Bytes bytes(17);
+  PutWord(bytes, 3, 1);  // the sum of what is not there is 0, and so is the checksum
+  Store(bytes);
+  EXPECT_FALSE(Read(0));
+  EXPECT_EQ(session.LastError, "File is damaged C:\\KVX\\a.set");
+}
+
+TEST_F(SetFileTest, AFileOfLengthZeroIsDamaged) {
+  auto bytes = SetFile({{10, Rising(512)}});
+  PutWord(bytes, 3, 0);
+  Store(bytes);
+  EXPECT_FALSE(Read(0));
+  EXPECT_EQ(session.LastError, "File is damaged C:\\KVX\\a.set");
+}
+
+TEST_F(SetFileTest, AChangedByteAnywhereBehindTheHeaderIsDamage) {
+  const auto sound = SetFile({{1, Rising(240)}});
+  for (std::size_t i = 17; i < sound.size(); ++i) {
+    session.LastError.clear();
+    auto bytes = sound;
+    bytes[i] ^= 16;
+    Store(bytes);
+    EXPECT_FALSE(Read(0)) << i;
+    EXPECT_EQ(session.LastError, "File is damaged C:\\KVX\\a.set") << i;
+    EXPECT_FALSE(image.RamValid[0]) << i;
+  }
+}
+
+TEST_F(SetFileTest, TheChecksumTakesOneByteMoreThanTheLength) {
+  auto bytes = SetFile({{1, Rising(240)}});
+  // A byte behind the end counts, and so is damage unless the checksum knows it.
+  bytes.push_back(5);
+  Store(bytes);
+  EXPECT_FALSE(Read(0));
+  PutWord(bytes, 1, static_cast<std::size_t>(bytes[1] + 256 * bytes[2] + 5));
+  Store(bytes);
+  EXPECT_TRUE(Read(0));
+  // The one behind that does not.
+  bytes.push_back(9);
+  Store(bytes);
+  EXPECT_TRUE(Read(0));
+}
+
+TEST_F(SetFileTest, TheChecksumKeepsItsLow16Bits) {
+  // 1306 bytes of 255 are more than 65535.
+  Store(SetFile({{99, Bytes(700, 255)}, {10, Bytes(512, 255)}}));
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 10);
+}
+
+TEST_F(SetFileTest, AnEarlierTextIsKept) {
+  session.LastError = "an earlier text";
+  EXPECT_FALSE(Read(0));
+  EXPECT_EQ(session.LastError, "an earlier text");
+}
+
+TEST_F(SetFileTest, AFaultInsideIsToldOnlyIfAskedFor) {
+  bus.files.PutFolder(kName);
+  EXPECT_FALSE(Read(0, true, false));
+  EXPECT_EQ(session.LastError, "");
+  EXPECT_FALSE(Read(0, true, true));
+  EXPECT_NE(session.LastError, "");
+}
+
+TEST_F(SetFileTest, AFileThatCannotBeReadIsNoCrash) {
+  bus.files.Break(kName);
+  EXPECT_FALSE(Read(0));
+  EXPECT_THAT(session.LastError, testing::HasSubstr("Permission denied"));
+}
+
+TEST_F(SetFileTest, ABlockThatReachesBeyondTheFileIsNoCrash) {
+  for (const int type : {1, 10, 15, 20}) {
+    for (const std::size_t size : {0U, 5U, 239U, 552U, 65535U}) {
+      auto bytes = SetFile({{type, Bytes(4)}});
+      PutWord(bytes, 19, size);
+      PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
+      Store(bytes);
+      session.LastError.clear();
+      const bool done = Read(static_cast<std::uint8_t>(type));
+      // Type 1 has its own size; no other payload may outgrow the buffer.
+      if (type != 1) {
+        EXPECT_EQ(done, size <= 551) << type << ", " << size;
+      }
+    }
+  }
+}
+
+TEST_F(SetFileTest, NonsenseIsDamagedOrNoCrash) {
+  std::uint32_t state = 7;
+  for (int round = 0; round < 300; ++round) {
+    Bytes bytes(18 + static_cast<std::size_t>(round) * 6);
+    for (auto& byte : bytes) {
+      state = state * 1664525 + 1013904223;
+      byte = static_cast<std::uint8_t>(state >> 24);
+    }
+    PutWord(bytes, 3, bytes.size() - 17);
+    PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
+    Store(bytes);
+    session.LastError.clear();
+    for (const std::uint8_t block : {0, 1, 10, 15, 20}) {
+      if (!Read(block)) {
+        EXPECT_NE(session.LastError, "");
+      }
+    }
+  }
+}
+
+TEST_F(SetFileTest, AFileUpToTheReadersLimitIsRead) {
+  // 17 + 4 + 1479 = 1500 bytes: the byte past the end is the reader's last.
+  Store(SetFile({{10, Rising(512)}, {99, Bytes(963)}}));
+  ASSERT_EQ(bus.files.Get(kName).size(), 1500U);
+  EXPECT_TRUE(Read(10)) << session.LastError;
+}
+
+TEST_F(SetFileTest, ALongerFileIsNoCrash) {
+  Store(SetFile({{10, Rising(512)}, {99, Bytes(60000)}}));
+  EXPECT_FALSE(Read(10));
+  EXPECT_NE(session.LastError, "");
+}
+
+TEST_F(SetFileTest, ASimulatedSensorNeedsNoBus) {
+  auto payload = Bytes(240);
+  payload[65] = 109;
+  Store(SetFile({{1, payload}}));
+  ASSERT_TRUE(Read(0));
+  EXPECT_EQ(info.GetPlatform(), 5);
+  EXPECT_EQ(info.GetProductVariant(), 0);
+  EXPECT_EQ(info.GetSensorIdentity(), "10900000");
+  EXPECT_THAT(port.Events(), testing::IsEmpty());
+}
+
+TEST_F(SetFileTest, ASavedFileOfPlatform5ByteByByte) {
+  bus.KnowPart(101);
+  std::uint8_t block = 0;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+  EXPECT_EQ(block, 1);
+  Bytes expected(261);
+  expected[0] = 1;
+  expected[1] = 86;
+  expected[2] = 1;
+  expected[3] = 244;
+  expected[5] = 1;
+  expected[17] = 1;
+  expected[19] = 240;
+  expected[86] = 101;
+  EXPECT_EQ(bus.files.Get(kName), expected);
+}
+
+TEST_F(SetFileTest, WhatIsSavedCanBeRead) {
+  for (std::size_t i = 0; i < 256; ++i) image.RamImage[i] = static_cast<float>(i);
+  bus.KnowPart(101);
+  std::uint8_t block = 0;
+  ASSERT_TRUE(file.SaveSettings(block, kName, 1, false));
+  bus.com.ClearImage(30);
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(image.RamImage[111], 111);
+  EXPECT_EQ(image.RamImage[112], 0);
+  EXPECT_EQ(image.RamImage[255], 255);
+}
+
+TEST_F(SetFileTest, SavingTwiceReplacesTheBlockInItsPlaceAndKeepsTheOther) {
+  bus.KnowPart(kPart6);
+  image.EepromImage[164] = kPart6;
+  std::uint8_t eeprom = 10;
+  std::uint8_t selection = 15;
+  bus.com.SelectBlock(13);
+  ASSERT_TRUE(file.SaveSettings(eeprom, kName, 1, false));
+  ASSERT_TRUE(file.SaveSettings(selection, kName, 1, true));
+  image.EepromImage[7] = 99;
+  ASSERT_TRUE(file.SaveSettings(eeprom, kName, 1, false));
+  const auto bytes = bus.files.Get(kName);
+  EXPECT_EQ(bytes.size(), 17U + 4 + 512 + 4 + 542);
+  EXPECT_EQ(bytes[5], 2);
+  EXPECT_EQ(bytes[17], 10);
+  EXPECT_EQ(bytes[21 + 7], 99);
+  EXPECT_EQ(bytes[17 + 516], 15);
+  image.ReadRequest.fill(0);
+  EXPECT_TRUE(Read(15, false));
+  EXPECT_EQ(image.ReadRequest[31], 255);
+  EXPECT_EQ(image.ReadRequest[32], 0);
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(image.EepromImage[7], 99);
+}
+
+TEST_F(SetFileTest, ANameGetsItsEndingUnlessItHasOne) {
+  bus.KnowPart(101);
+  std::uint8_t block = 0;
+  ASSERT_TRUE(file.SaveSettings(block, "C:\\KVX\\b", 1, false));
+  ASSERT_TRUE(file.SaveSettings(block, "C:\\KVX\\c.SET", 1, false));
+  EXPECT_TRUE(bus.files.Exists("C:\\KVX\\b.Set"));
+  EXPECT_TRUE(bus.files.Exists("C:\\KVX\\c.SET"));
+  EXPECT_FALSE(bus.files.Exists("C:\\KVX\\c.SET.Set"));
+}
+
+TEST_F(SetFileTest, ADamagedFileIsDiscardedBeforeSaving) {
+  bus.KnowPart(101);
+  auto damaged = SetFile({{15, Bytes(542)}, {1, Bytes(240)}});
+  damaged[30] = 1;
+  Store(damaged);
+  std::uint8_t block = 0;
+  ASSERT_TRUE(file.SaveSettings(block, kName, 1, false));
+  EXPECT_EQ(bus.files.Get(kName).size(), 261U);
+  EXPECT_EQ(bus.files.Get(kName)[5], 1);
+}
+
+TEST_F(SetFileTest, AFileThatCannotBeWrittenIsAFailureAndNoCrash) {
+  bus.KnowPart(101);
+  bus.files.Break(kName);
+  std::uint8_t block = 0;
+  EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
+}
+
+}  // namespace
+}  // namespace brelant
