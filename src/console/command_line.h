@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+#include "console/exit_status.h"
+#include "qt/options.h"
+
+namespace brelant {
+
+/// The command line of brelantctl. Each command adds itself, and leaves in `action` what is to be done when
+/// the line has been read; the action gives the exit status.
+struct CommandLine {
+  CLI::App app{"The console program for CO2 sensors and the CO2 safety system.", "brelantctl"};
+  Options options;
+  std::function<int()> action;
+};
+
+/// A command whose options may stand on either side of the common ones.
+CLI::App& AddCommand(CommandLine& line, const std::string& name, const std::string& description,
+                     std::function<int()> action);
+
+}  // namespace brelant

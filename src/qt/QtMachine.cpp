@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "qt/QtMachine.h"
+
+namespace brelant {
+
+QtMachine::QtMachine(const Options& options, UserInterface& userInterface)
+    : pump_(clock_), settingsStore_(options.settings), userInterface_(userInterface) {}
+
+}  // namespace brelant
