@@ -100,6 +100,10 @@ bool PanelFrame::RunAction(int command) {
       context_.session.LastError = kCancelled;
       context_.EndSession();
       return true;
+    case loadSettings:
+    case saveSettings:
+      context_.session.Fail("This command comes with a later release.");
+      return false;
     default:
       return true;
   }

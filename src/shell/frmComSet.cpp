@@ -53,6 +53,8 @@ frmComSet::frmComSet(Session& session, const Machine& machine, Screen& screen)
     if (cbxLoggcom.Value() == 1) session_.TrafficLogOn = true;
   };
   Command5.onClick = [this] { ChooseFile(); };
+  cmdSendFile.SetEnabled(false);
+  cmdSendFile.SetTip("Comes with a later release");
   btnHelp.onClick = [this] { machine_.userInterface.ShellOpen(session_.AppDir + "\\helpComSet.html"); };
   btnStartKVX.onClick = [this] { Start(); };
   btnExit.onClick = [this] { Exit(); };
