@@ -560,13 +560,15 @@ void frm5::StartTrigger() {
 void frm5::MoveTrigger() {
   if (!TriggerRuns() || ParseNumber(txbDigTtime.Text()) == 0) return;
   const auto now = context_.machine.clock.Now();
+  if (now >= trigger_->end) {
+    linDigTPsign.SetVisible(false);
+    linDigTNsign.SetVisible(false);
+    trigger_.reset();
+    return;
+  }
   const auto ratio = std::chrono::duration<double>(now - trigger_->start) / (trigger_->end - trigger_->start);
   linDigTPsign.SetValue(static_cast<int>(ratio * 100));
   linDigTNsign.SetValue(linDigTPsign.Value());
-  if (now < trigger_->end) return;
-  linDigTPsign.SetVisible(false);
-  linDigTNsign.SetVisible(false);
-  trigger_.reset();
 }
 
 void frm5::SimulatedPass() {

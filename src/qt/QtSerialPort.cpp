@@ -29,6 +29,8 @@ std::string About(const QSerialPortInfo& port) {
 
 QtSerialPort::QtSerialPort() {
   QObject::connect(&port_, &QSerialPort::errorOccurred, [this](auto error) { NoteError(error); });
+  closeLost_.setSingleShot(true);
+  closeLost_.callOnTimeout([this] { port_.close(); });
 }
 
 void QtSerialPort::SetCommPort(const std::string& port) {
@@ -103,6 +105,7 @@ void QtSerialPort::Open() {
 
 void QtSerialPort::Close() {
   open_ = false;
+  closeLost_.stop();
   port_.close();
 }
 
@@ -114,12 +117,7 @@ void QtSerialPort::NoteError(QSerialPort::SerialPortError error) {
   failure_ = port_.errorString().toStdString();
   // The lost device is readable for ever, and left open it would keep the event loop spinning. It cannot be
   // closed here, inside its own notification.
-  QMetaObject::invokeMethod(
-      &port_,
-      [this] {
-        if (!failure_.empty()) port_.close();
-      },
-      Qt::QueuedConnection);
+  closeLost_.start();
 }
 
 void QtSerialPort::RequireWorking() const {

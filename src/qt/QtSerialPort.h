@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QSerialPort>
+#include <QTimer>
 #include <string>
 
 #include "platform/serial_port.h"
@@ -31,6 +32,7 @@ class QtSerialPort : public SerialPort {
   void RequireWorking() const;
 
   QSerialPort port_;
+  QTimer closeLost_;
   std::string commPort_;
   bool open_ = false;
   /// Why the open port does not work any more, empty while it does.

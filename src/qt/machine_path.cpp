@@ -35,7 +35,7 @@ QString MachinePath(const std::string& told) {
 }
 
 QString ExistingPath(const std::string& told) {
-  const auto path = MachinePath(told);
+  auto path = MachinePath(told);
   const QFileInfo exact(path);
   if (exact.exists()) return path;
   const auto name = NameOf(path);

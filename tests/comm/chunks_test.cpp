@@ -9,7 +9,9 @@
 namespace brelant::kibus {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
+using testing::Not;
 
 constexpr int kRam = 256;
 constexpr int kWords = 512;
@@ -108,12 +110,13 @@ TEST(PlanRead, LeavesTheNeighboursOfThatFrameWhole) {
 }
 
 TEST(PlanRead, FormsNoCommandFrameAnywhere) {
-  const std::set<Frame> commands{{32, 0, 32},    {161, 0, 161},  {16, 0, 16},    {147, 0, 147}, {145, 0, 145},
-                                 {153, 173, 70}, {169, 171, 84}, {197, 55, 252}, {185, 1, 186}};
+  const std::vector<Frame> commands{{32, 0, 32},    {161, 0, 161},  {16, 0, 16},
+                                    {147, 0, 147},  {145, 0, 145},  {153, 173, 70},
+                                    {169, 171, 84}, {197, 55, 252}, {185, 1, 186}};
   for (int start = 0; start < 256; ++start) {
     for (int last = start; last < std::min(start + 6, 256); ++last) {
       for (const auto& chunk : PlanRead(Flags(kRam, FromTo(start, last)), false)) {
-        EXPECT_EQ(commands.count(ReadRequest(AddressForm::R, chunk)), 0U) << start << " to " << last;
+        EXPECT_THAT(commands, Not(Contains(ReadRequest(AddressForm::R, chunk)))) << start << " to " << last;
       }
     }
   }

@@ -196,6 +196,13 @@ TEST_F(SensorTest, IdentifyNeedsNoPanel) {
   EXPECT_EQ(shown.error, "Unknown sensor type, can't connect to sensor.\n");
 }
 
+TEST_F(SensorTest, ModbusIsNotSpokenYet) {
+  StartSensor({"--part", "231"});
+  const auto outcome = Run(OnPort({"identify", "--modbus"}));
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.error, "Can't read from sensor\n");
+}
+
 TEST_F(SensorTest, AddressesOneSensorOfANetwork) {
   StartSensor({"--part", "231", "--id", "5"});
   const auto outcome = Run(OnPort({"show", "--id", "5", "--json"}));

@@ -73,13 +73,13 @@ Reply ScriptedUser::MessageBox(const std::string& text, Buttons buttons, const s
 }
 
 std::optional<std::string> ScriptedUser::InputBox(const std::string& prompt) {
-  const auto answer = answers.empty() ? std::nullopt : TakeFrom(answers);
+  auto answer = answers.empty() ? std::nullopt : TakeFrom(answers);
   out_.Print({{"event", "input"}, {"prompt", prompt}, {"answer", TextOrNull(answer)}});
   return answer;
 }
 
 std::optional<std::string> ScriptedUser::FileDialog(FileUse use, const std::string& filter) {
-  const auto path = files.empty() ? std::nullopt : TakeFrom(files);
+  auto path = files.empty() ? std::nullopt : TakeFrom(files);
   out_.Print({{"event", "file"},
               {"use", use == FileUse::open ? "open" : "save"},
               {"filter", filter},
