@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/kit/Shape.h"
+
+#include <QPainterPath>
+#include <QPolygonF>
+#include <array>
+
+namespace brelant {
+
+namespace {
+
+struct Shape {
+  bool isDigital;
+  /// Below the axis: takes away.
+  bool isNegative;
+  bool rises;
+  const char* words;
+};
+
+/// In the order of FunctionBlocks::Type.
+constexpr std::array<Shape, FunctionBlocks::kTypes> kShapes{{
+    {true, false, true, "positive, rising: on from b up, off from a down"},
+    {true, false, false, "positive, falling: on from a down, off from b up"},
+    {true, true, true, "negative, rising: holds back from a down, no longer from b up"},
+    {true, true, false, "negative, falling: holds back from b up, no longer from a down"},
+    {false, true, false, "negative, falling: 0 at a, -100 at b"},
+    {false, true, true, "negative, rising: -100 at a, 0 at b"},
+    {false, false, false, "positive, falling: 100 at a, 0 at b"},
+    {false, false, true, "positive, rising: 0 at a, 100 at b"},
+    {false, false, true, "rising: 0 at a, 100 at b"},
+    {false, false, false, "falling: 100 at a, 0 at b"},
+}};
+
+/// The places in a picture that every shape is made of.
+struct Frame {
+  explicit Frame(const QRectF& rect)
+      : left(rect.left()),
+        right(rect.right()),
+        a(rect.left() + rect.width() * 0.3),
+        b(rect.left() + rect.width() * 0.7),
+        top(rect.top()),
+        bottom(rect.bottom()) {}
+
+  double left, right, a, b, top, bottom;
+};
+
+QPolygonF Ramp(const Frame& frame, bool rises) {
+  const double from = rises ? frame.bottom : frame.top;
+  const double to = rises ? frame.top : frame.bottom;
+  return {{{frame.left, from}, {frame.a, from}, {frame.b, to}, {frame.right, to}}};
+}
+
+/// What lies between the ramp and the axis.
+QPolygonF Area(const Frame& frame, const Shape& shape) {
+  const bool isOnAxisAtFirst = shape.rises != shape.isNegative;
+  const double axis = shape.isNegative ? frame.top : frame.bottom;
+  const double level = shape.isNegative ? frame.bottom : frame.top;
+  if (isOnAxisAtFirst)
+    return {{{frame.a, axis}, {frame.b, level}, {frame.right, level}, {frame.right, axis}}};
+  return {{{frame.left, axis}, {frame.left, level}, {frame.a, level}, {frame.b, axis}}};
+}
+
+void PaintArea(QPainter& painter, const Frame& frame, const Shape& shape, const QColor& colour) {
+  QPainterPath area;
+  area.addPolygon(Area(frame, shape));
+  painter.fillPath(area, colour);
+}
+
+/// An arrow head half way up or down an upright line.
+void PaintDirection(QPainter& painter, const Frame& frame, double x, bool up, const QColor& colour) {
+  const double size = (frame.bottom - frame.top) * 0.14;
+  const QPointF tip(x, (frame.top + frame.bottom) / 2 + (up ? -size : size));
+  const double back = up ? 2 * size : -2 * size;
+  QPainterPath head(tip);
+  head.lineTo(tip + QPointF(size, back));
+  head.lineTo(tip + QPointF(-size, back));
+  painter.fillPath(head, colour);
+}
+
+void PaintLoop(QPainter& painter, const Frame& frame, const Shape& shape, const ShapeInk& ink) {
+  const double from = shape.rises ? frame.bottom : frame.top;
+  const double to = shape.rises ? frame.top : frame.bottom;
+  painter.fillRect(QRectF(QPointF(frame.a, frame.top), QPointF(frame.b, frame.bottom)), ink.area);
+  QPainterPath path(QPointF(frame.left, from));
+  path.lineTo(frame.b, from);
+  path.lineTo(frame.b, to);
+  path.moveTo(frame.a, from);
+  path.lineTo(frame.a, to);
+  path.lineTo(frame.right, to);
+  painter.drawPath(path);
+  PaintDirection(painter, frame, frame.b, shape.rises, ink.curve);
+  PaintDirection(painter, frame, frame.a, !shape.rises, ink.curve);
+}
+
+void PaintAxis(QPainter& painter, const Frame& frame, const Shape& shape, double tick) {
+  const double y = shape.isNegative ? frame.top : frame.bottom;
+  painter.drawLine(QPointF(frame.left, y), QPointF(frame.right, y));
+  for (const double x : {frame.a, frame.b}) painter.drawLine(QPointF(x, y - tick), QPointF(x, y + tick));
+}
+
+}  // namespace
+
+void PaintShape(QPainter& painter, const QRectF& rect, FunctionBlocks::Type type, const ShapeInk& ink) {
+  const auto& shape = kShapes.at(type);
+  const double unit = rect.height() / 40;
+  const Frame frame(rect.adjusted(2 * unit, 5 * unit, -2 * unit, -5 * unit));
+  painter.setRenderHint(QPainter::Antialiasing);
+  if (!shape.isDigital) PaintArea(painter, frame, shape, ink.area);
+  painter.setPen(QPen(ink.axis, unit));
+  PaintAxis(painter, frame, shape, 3 * unit);
+  painter.setPen(QPen(ink.curve, 2 * unit, Qt::SolidLine, Qt::FlatCap, Qt::MiterJoin));
+  if (shape.isDigital) {
+    PaintLoop(painter, frame, shape, ink);
+  } else {
+    painter.drawPolyline(Ramp(frame, shape.rises));
+  }
+}
+
+QString ShapeInWords(FunctionBlocks::Type type) {
+  return kShapes.at(type).words;
+}
+
+}  // namespace brelant

@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// brelant: the desktop program.
+#include <CLI/CLI.hpp>
+#include <QApplication>
+#include <map>
+#include <string>
+
+#include "app/Program.h"
+#include "desktop/Appearance.h"
+#include "desktop/Desktop.h"
+#include "desktop/DesktopUserInterface.h"
+#include "qt/QtMachine.h"
+#include "qt/options.h"
+
+namespace {
+
+constexpr int kBadOptions = 2;
+
+using brelant::Options;
+using brelant::Style;
+
+struct DesktopOptions : Options {
+  Style style = Style::system;
+};
+
+void Describe(CLI::App& app, DesktopOptions& options) {
+  const std::map<std::string, Style> styles{
+      {"system", Style::system}, {"light", Style::light}, {"dark", Style::dark}};
+  brelant::AddCommonOptions(app, options);
+  app.add_option("--style", options.style, "Light or dark windows; system: as the machine has them")
+      ->transform(CLI::Transformer(styles))
+      ->type_name("system|light|dark");
+  app.set_version_flag("--version", std::string("brelant ") + BRELANT_VERSION);
+}
+
+/// A port that was told is enough to start with the single sensor on it.
+void Preset(brelant::frmComSet& dialog, const std::string& port) {
+  if (port.empty()) return;
+  dialog.txbComPort.SetText(port);
+  for (const auto* option : dialog.optStartMode) {
+    if (option->Value() == 1) return;
+  }
+  dialog.form.Select(dialog.optStartMode[brelant::frmComSet::singleSensor]);
+}
+
+int Run(QApplication& application, const DesktopOptions& options) {
+  brelant::ApplyStyle(application, options.style);
+  brelant::DesktopUserInterface userInterface;
+  brelant::QtMachine machine(options, userInterface);
+  brelant::Program program(machine.machine(), brelant::ResolveAppDir(options));
+  brelant::Desktop desktop(program, machine.pump(), userInterface);
+  machine.pump().OnPass([&desktop] { return desktop.Pass(); });
+  Preset(program.comSet, options.port);
+  program.Run();
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  DesktopOptions options;
+  CLI::App app("Configures and watches CO2 sensors.", "brelant");
+  Describe(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : kBadOptions;
+  }
+  // The toolkit has an option of its own named --style; the environment still reaches it.
+  int count = 1;
+  QApplication application(count, argv);
+  QApplication::setApplicationName("BRELANT");
+  QApplication::setQuitOnLastWindowClosed(false);
+  return Run(application, options);
+}

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSize>
+#include <QWidget>
+
+namespace brelant::platform5 {
+
+/// The widths that all signals and their headings share, so that columns stand under each other.
+struct Columns {
+  explicit Columns(const QWidget& widget);
+
+  int badge;
+  int channel;
+  int number;
+  int unit;
+  QSize picture;
+  int tick;
+  int gap;
+};
+
+}  // namespace brelant::platform5

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/Appearance.h"
+
+#include <QApplication>
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include "desktop/kit/text.h"
+#include "panels/PanelFrame.h"
+
+namespace brelant::test {
+namespace {
+
+// The contrast rule for accessible pages, written down once more.
+double Luminance(const QColor& colour) {
+  const auto linear = [](int part) {
+    const double value = part / 255.0;
+    return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.red()) + 0.7152 * linear(colour.green()) + 0.0722 * linear(colour.blue());
+}
+
+double Contrast(const QColor& a, const QColor& b) {
+  const double lighter = std::max(Luminance(a), Luminance(b));
+  const double darker = std::min(Luminance(a), Luminance(b));
+  return (lighter + 0.05) / (darker + 0.05);
+}
+
+constexpr double kText = 4.5;
+constexpr double kLargeText = 3;
+
+class AppearanceTest : public testing::TestWithParam<Style> {
+ protected:
+  AppearanceTest() { ApplyStyle(*qApp, GetParam()); }
+  ~AppearanceTest() override { ApplyStyle(*qApp, Style::light); }
+};
+
+TEST_P(AppearanceTest, TextIsReadableOnEveryGround) {
+  const auto palette = QApplication::palette();
+  const auto at = [&](QPalette::ColorRole role) { return palette.color(QPalette::Active, role); };
+  EXPECT_GE(Contrast(at(QPalette::WindowText), at(QPalette::Window)), kText);
+  EXPECT_GE(Contrast(at(QPalette::WindowText), InkOf(palette).card), kText);
+  EXPECT_GE(Contrast(at(QPalette::Text), at(QPalette::Base)), kText);
+  EXPECT_GE(Contrast(at(QPalette::Text), at(QPalette::AlternateBase)), kText);
+  EXPECT_GE(Contrast(at(QPalette::ButtonText), at(QPalette::Button)), kText);
+  EXPECT_GE(Contrast(at(QPalette::ToolTipText), at(QPalette::ToolTipBase)), kText);
+  EXPECT_GE(Contrast(at(QPalette::PlaceholderText), at(QPalette::Base)), kText);
+  EXPECT_GE(Contrast(at(QPalette::HighlightedText), at(QPalette::Highlight)), kText);
+}
+
+TEST_P(AppearanceTest, WhatIsDrawnStandsOutFromItsGround) {
+  const auto palette = QApplication::palette();
+  const auto ink = InkOf(palette);
+  const auto window = palette.color(QPalette::Window);
+  for (const auto& colour : {ink.wire, ink.output[0], ink.output[1]}) {
+    EXPECT_GE(Contrast(colour, window), kLargeText);
+    EXPECT_GE(Contrast(colour, ink.card), kLargeText);
+  }
+  EXPECT_GE(Contrast(palette.color(QPalette::Mid), window), kLargeText) << "the edge of a field";
+  EXPECT_GE(Contrast(ink.running, palette.color(QPalette::Base)), kLargeText);
+}
+
+TEST_P(AppearanceTest, IsLightOrDarkAsTold) {
+  EXPECT_EQ(QApplication::palette().color(QPalette::Window).lightness() < 128, GetParam() == Style::dark);
+}
+
+TEST_P(AppearanceTest, TheMachinesOwnIsTakenForWhatItIs) {
+  ApplyStyle(*qApp, Style::system);
+  EXPECT_EQ(QApplication::palette().color(QPalette::Window).lightness() < 128, GetParam() == Style::dark);
+}
+
+INSTANTIATE_TEST_SUITE_P(Styles, AppearanceTest, testing::Values(Style::light, Style::dark));
+
+TEST(InkTest, IsTheOneThatIsReadBetter) {
+  EXPECT_EQ(InkOn(Qt::white), QColor(Qt::black));
+  EXPECT_EQ(InkOn(Qt::black), QColor(Qt::white));
+  EXPECT_EQ(InkOn(QColor(255, 255, 0)), QColor(Qt::black));
+  EXPECT_EQ(InkOn(ToQColor(colours::kFieldBack)), QColor(Qt::white));
+  EXPECT_GE(Contrast(InkOn(ToQColor(colours::kFieldBack)), ToQColor(colours::kFieldBack)), kText);
+}
+
+TEST(InkTest, FieldsAreReadableAndLiveValuesWhereTheyAreLarge) {
+  EXPECT_GE(Contrast(ToQColor(colours::kFieldText), ToQColor(colours::kFieldBack)), kText);
+  EXPECT_GE(Contrast(ToQColor(colours::kLive), ToQColor(colours::kFieldBack)), kLargeText);
+}
+
+TEST(MnemonicTest, UnderlinesTheFirstSuchLetter) {
+  EXPECT_EQ(WithMnemonic("Send to sensor", 'd'), "Sen&d to sensor");
+  EXPECT_EQ(WithMnemonic("Start", 'T'), "S&tart");
+  EXPECT_EQ(WithMnemonic("...", 'x'), "...");
+  EXPECT_EQ(WithMnemonic("Start", {}), "Start");
+  EXPECT_EQ(WithMnemonic("R&D", 'd'), "R&&&D");
+}
+
+}  // namespace
+}  // namespace brelant::test

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSet>
+
+#include <gtest/gtest.h>
+
+#include "bench_form.h"
+#include "desktop/kit/MenuBinding.h"
+
+namespace brelant::test {
+namespace {
+
+class MenuTest : public testing::Test {
+ protected:
+  MenuTest() {
+    form.AddMenu("", "mFile", "File");
+    Command(form.AddMenu("mFile", "mLoadsettings", "Load settings"));
+    form.AddMenu("mFile", "mOptions", "KVX options");
+    Command(form.AddMenu("mOptions", "mComSet", "Show communication setup dialog when KVX starts."));
+    Command(form.AddMenu("mFile", "mSavesettings", "Save settings"));
+    form.AddMenu("mFile", "mNothing", "Nothing");
+    Command(form.AddMenu("", "mHelp", "Help"));
+    form.AddMenu("", "mChannels", "Channels").SetVisible(false);
+    form.AddMenu("mChannels", "mCHannel(0)", "TEMP");
+    BindMenus(bench.views, bar, {{{"mLoadsettings", QKeySequence(Qt::CTRL | Qt::Key_O)}}, {"mComSet"}});
+    bench.Open();
+  }
+
+  void Command(Control& entry) {
+    entry.onClick = [this, name = entry.Name()] { clicked = name; };
+  }
+  QAction* Action(const QString& name) const {
+    for (auto* action : bar.findChildren<QAction*>()) {
+      if (action->objectName() == name) return action;
+    }
+    return nullptr;
+  }
+  static QStringList Names(const QList<QAction*>& actions) {
+    QStringList names;
+    for (const auto* action : actions) names.append(action->objectName());
+    return names;
+  }
+
+  BenchForm bench;
+  Form& form = bench.form;
+  QMenuBar& bar = bench.Put<QMenuBar>();
+  std::string clicked;
+};
+
+TEST_F(MenuTest, StandsAsTheFormTellsAndWithoutTheMenusThatPopUp) {
+  EXPECT_EQ(Names(bar.actions()), QStringList({"mFile", "mHelp"}));
+  EXPECT_EQ(Names(Action("mFile")->menu()->actions()),
+            QStringList({"mLoadsettings", "mOptions", "mSavesettings", "mNothing"}));
+  EXPECT_EQ(Names(Action("mOptions")->menu()->actions()), QStringList({"mComSet"}));
+}
+
+TEST_F(MenuTest, ReportsClicks) {
+  Action("mLoadsettings")->trigger();
+  bench.Pass();
+  EXPECT_EQ(clicked, "mLoadsettings");
+  Action("mHelp")->trigger();
+  bench.Pass();
+  EXPECT_EQ(clicked, "mHelp");
+}
+
+TEST_F(MenuTest, ATickIsTheFormsValue) {
+  auto& control = *form.Find("mComSet");
+  control.SetValue(1);
+  bench.Pass();
+  EXPECT_TRUE(Action("mComSet")->isChecked());
+  // The rule of this form leaves the value as it is.
+  Action("mComSet")->trigger();
+  bench.Pass();
+  EXPECT_TRUE(Action("mComSet")->isChecked());
+  EXPECT_FALSE(Action("mLoadsettings")->isCheckable());
+}
+
+TEST_F(MenuTest, IsDisabledAndHiddenByTheForm) {
+  form.Find("mLoadsettings")->SetEnabled(false);
+  form.Find("mSavesettings")->SetVisible(false);
+  bench.Pass();
+  EXPECT_FALSE(Action("mLoadsettings")->isEnabled());
+  EXPECT_FALSE(Action("mSavesettings")->isVisible());
+}
+
+TEST_F(MenuTest, AnEntryThatNoRuleStandsBehindIsDisabled) {
+  EXPECT_FALSE(Action("mNothing")->isEnabled());
+  EXPECT_TRUE(Action("mOptions")->isEnabled());
+}
+
+TEST_F(MenuTest, HasShortcutsAndALetterOfItsOwnForEachEntryOfAMenu) {
+  EXPECT_EQ(Action("mLoadsettings")->shortcut(), QKeySequence("Ctrl+O"));
+  QSet<QChar> letters;
+  for (const auto* action : Action("mFile")->menu()->actions()) {
+    const auto at = action->text().indexOf('&');
+    ASSERT_GE(at, 0) << action->text().toStdString();
+    letters.insert(action->text()[at + 1].toUpper());
+  }
+  EXPECT_EQ(letters.size(), 4);
+  EXPECT_EQ(Action("mLoadsettings")->text(), "&Load settings");
+  EXPECT_EQ(Action("mSavesettings")->text(), "&Save settings");
+}
+
+}  // namespace
+}  // namespace brelant::test
