@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <chrono>
+
+namespace brelant::benchmark {
+
+/// What a transfer must take at least: its bytes at 9600 bit/s and the pauses of its exchanges
+/// (docs/protocol.md). Computed here anew, not with the code that is measured.
+using LineTime = std::chrono::duration<double, std::milli>;
+
+LineTime LeastReadTime(int bytes, int chunks);
+LineTime LeastWriteTime(int bytes, int chunks);
+
+}  // namespace brelant::benchmark

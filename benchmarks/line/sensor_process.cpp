@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "line/sensor_process.h"
+
+#include <stdexcept>
+
+namespace brelant::benchmark {
+
+SensorProcess::SensorProcess(const std::string& program, int part) {
+  process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+  process_.start(QString::fromStdString(program), {"--part", QString::number(part), "--pace"});
+  while (!process_.canReadLine()) {
+    if (!process_.waitForReadyRead()) throw std::runtime_error(program + " does not start");
+  }
+  device_ = process_.readLine().trimmed().toStdString();
+}
+
+SensorProcess::~SensorProcess() {
+  process_.terminate();
+  process_.waitForFinished();
+}
+
+}  // namespace brelant::benchmark
