@@ -28,7 +28,7 @@ void Describe(CLI::App& app, DesktopOptions& options) {
       {"system", Style::system}, {"light", Style::light}, {"dark", Style::dark}};
   brelant::AddCommonOptions(app, options);
   app.add_option("--style", options.style, "Light or dark windows; system: as the machine has them")
-      ->transform(CLI::Transformer(styles))
+      ->transform(CLI::CheckedTransformer(styles).description(""))
       ->type_name("system|light|dark");
   app.set_version_flag("--version", std::string("brelant ") + BRELANT_VERSION);
 }
