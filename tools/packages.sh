@@ -2,7 +2,7 @@
 # Sourced by ./run and ./test: installs what Debian packages are missing.
 
 build_packages="cmake ninja-build g++ qt6-base-dev qt6-serialport-dev libcli11-dev nlohmann-json3-dev"
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang clang-format clang-tidy socat xvfb xauth"
+test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang clang-format clang-tidy libclang-rt-14-dev socat xvfb xauth"
 
 require_packages() {
   missing=""
