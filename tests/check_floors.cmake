@@ -1,10 +1,12 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Holds every #include under src/ against the link lists: a file may include its own floor, the floors on the list
-# of its own floor, and nothing else of the project; and the core includes neither Qt nor POSIX.
+# of its own floor, and nothing else of the project; the core includes neither Qt nor POSIX, the faces no POSIX.
 cmake_minimum_required(VERSION 3.25)
 
 set(core platform shell comm knowledge calibration connection panels safety app)
-set(machine_headers "Q[A-Za-z]+|unistd\\.h|fcntl\\.h|termios\\.h|pthread\\.h|thread|sys/[a-z]+\\.h|windows\\.h|iostream|fstream")
+set(faces console desktop)
+set(system_headers "unistd\\.h|fcntl\\.h|termios\\.h|pthread\\.h|sys/[a-z]+\\.h|windows\\.h")
+set(machine_headers "Q[A-Za-z]+|thread|iostream|fstream|${system_headers}")
 
 file(STRINGS ${FLOORS} lines)
 foreach(line IN LISTS lines)
@@ -36,6 +38,8 @@ foreach(source IN LISTS sources)
       string(APPEND faults "${source}: ${include} is not written from src/\n")
     elseif(floor IN_LIST core AND include MATCHES "<(${machine_headers})>")
       string(APPEND faults "${source}: the core asks the machine only through platform/, not by ${include}\n")
+    elseif(floor IN_LIST faces AND include MATCHES "<(${system_headers})>")
+      string(APPEND faults "${source}: what only one system has stands in qt/, not ${include}\n")
     endif()
   endforeach()
 endforeach()

@@ -7,8 +7,8 @@
 
 #include "app/Program.h"
 #include "console/script/runner.h"
-#include "console/script/stdin_reader.h"
 #include "qt/QtMachine.h"
+#include "qt/StdinLines.h"
 #include "qt/machine_path.h"
 
 namespace brelant {
@@ -26,8 +26,11 @@ int Play(const Options& options, Script& script, bool readsStdin) {
   const auto all = machine.machine();
   script::Runner runner(script, user, out,
                         {program.session, program.screen, program.image, program.msg, all.clock, all.pump});
-  std::optional<script::StdinReader> reader;
-  if (readsStdin) reader.emplace(script);
+  std::optional<StdinLines> input;
+  if (readsStdin) {
+    input.emplace([&script](std::string_view line) { script.Append(line); },
+                  [&script] { script.Complete(); });
+  }
   machine.pump().OnPass([&runner] { return runner.Pass(); });
   program.Run();
   return runner.Finish();

@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "console/script/stdin_reader.h"
+#include "qt/StdinLines.h"
 
 #include <array>
 #include <cerrno>
+#include <utility>
 
 #include <unistd.h>
 
-namespace brelant::script {
+namespace brelant {
 
-StdinReader::StdinReader(Script& script) : script_(script), notifier_(STDIN_FILENO, QSocketNotifier::Read) {
+StdinLines::StdinLines(std::function<void(std::string_view)> onLine, std::function<void()> onEnd)
+    : onLine_(std::move(onLine)), onEnd_(std::move(onEnd)), notifier_(STDIN_FILENO, QSocketNotifier::Read) {
   QObject::connect(&notifier_, &QSocketNotifier::activated, [this] { TakeBytes(); });
 }
 
-void StdinReader::TakeBytes() {
+void StdinLines::TakeBytes() {
   std::array<char, 4096> bytes{};
   const auto count = read(STDIN_FILENO, bytes.data(), bytes.size());
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
@@ -21,19 +23,19 @@ void StdinReader::TakeBytes() {
   TakeLines();
 }
 
-void StdinReader::TakeLines() {
+void StdinLines::TakeLines() {
   std::size_t from = 0;
   for (auto end = partial_.find('\n'); end != std::string::npos; end = partial_.find('\n', from)) {
-    script_.Append(std::string_view(partial_).substr(from, end - from));
+    onLine_(std::string_view(partial_).substr(from, end - from));
     from = end + 1;
   }
   partial_.erase(0, from);
 }
 
-void StdinReader::End() {
+void StdinLines::End() {
   notifier_.setEnabled(false);
-  if (!partial_.empty()) script_.Append(partial_);
-  script_.Complete();
+  if (!partial_.empty()) onLine_(partial_);
+  onEnd_();
 }
 
-}  // namespace brelant::script
+}  // namespace brelant
