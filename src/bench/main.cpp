@@ -103,7 +103,7 @@ VirtualSensor MakeSensor(const Options& options) {
 }
 
 void Serve(VirtualSensor& sensor, const Options& options) {
-  brelant::bench::PtyServer server(sensor);
+  brelant::bench::PtyServer server(sensor, options.pace);
   std::optional<brelant::bench::DeviceLink> link;
   if (options.link) link.emplace(*options.link, server.DeviceName());
   std::cout << server.DeviceName() << std::endl;

@@ -42,8 +42,9 @@ class DeviceLink {
 /// A sensor at the far end of a pseudo-terminal. Needs SIGINT and SIGTERM for itself.
 class PtyServer {
  public:
-  /// Opens the pseudo-terminal. Throws std::system_error.
-  explicit PtyServer(VirtualSensor& sensor);
+  /// Opens the pseudo-terminal. `paced`: the sensor keeps the line's speed, so the server keeps its moments
+  /// closely. Throws std::system_error.
+  PtyServer(VirtualSensor& sensor, bool paced);
 
   const std::string& DeviceName() const { return name_; }
 
@@ -60,6 +61,8 @@ class PtyServer {
   void SendDueBytes();
 
   VirtualSensor& sensor_;
+  bool paced_;
+  Time awake_until_{};
   Descriptor controller_;
   Descriptor device_;
   Descriptor signals_;
