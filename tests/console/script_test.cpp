@@ -41,7 +41,10 @@ TEST(ScriptTest, StopsAtTheLineThatMakesNoSense) {
 
 class LoadScriptTest : public ::testing::Test {
  protected:
-  void SetUp() override { path_ = ::testing::TempDir() + "brelant_script_test"; }
+  void SetUp() override {
+    path_ =
+        ::testing::TempDir() + "brelant_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
+  }
   void TearDown() override { std::remove(path_.c_str()); }
   void Put(const std::string& content) const { std::ofstream(path_, std::ios::binary) << content; }
 
