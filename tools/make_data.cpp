@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // make-data DIRECTORY PART...: writes the definition file and a simulated sensor of each platform 5 part
-// number, and the simulated sensors "Last" (of the first part) and "Vega 3". The formats:
-// docs/memory-maps.md.
+// number, and the simulated sensors "Last" and "Platform 5 chart" (both of the first part) and "Vega 3". The
+// formats: docs/memory-maps.md.
 #include <algorithm>
 #include <cstdint>
 #include <exception>
@@ -29,6 +29,7 @@ using brelant::bench::WriteWhole;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t kPart = 65;
+constexpr int kChartVariant = 3;
 
 // Little-endian, as everything in these files.
 void Put(Bytes& file, std::size_t at, std::size_t width, std::int64_t value) {
@@ -90,8 +91,8 @@ Bytes SimulationFile(std::span<const std::uint8_t> ram) {
   return file;
 }
 
-Bytes SimulatedSensor(int part) {
-  brelant::bench::VirtualSensor sensor({.part = part});
+Bytes SimulatedSensor(int part, int variant = 0) {
+  brelant::bench::VirtualSensor sensor({.part = part, .variant = variant});
   return SimulationFile(sensor.Ram());
 }
 
@@ -127,7 +128,9 @@ int main(int argc, char** argv) {
     const std::filesystem::path directory = arguments[1];
     std::filesystem::create_directories(directory);
     for (const char* part : arguments.subspan(2)) WritePart(directory, std::stoi(part));
-    WriteWhole(directory / "Last.sim", SimulatedSensor(std::stoi(arguments[2])));
+    const int first = std::stoi(arguments[2]);
+    WriteWhole(directory / "Last.sim", SimulatedSensor(first));
+    WriteWhole(directory / "Platform 5 chart.sim", SimulatedSensor(first, kChartVariant));
     WriteWhole(directory / "Vega 3.sim", SafetySystem());
     return 0;
   } catch (const std::exception& error) {

@@ -16,14 +16,15 @@ enum class Quantity { kNone, kTemperature, kGas, kAverageGas, kHumidity };
 struct ChannelPlan {
   Quantity quantity = Quantity::kNone;
   std::string_view name;
-  int type = 0;                   ///< how its raw word reads (docs/memory-maps.md)
-  std::optional<GasCurve> curve;  ///< of a gas
-  int full_scale = 0;             ///< units of the curve
+  int type = 0;                        ///< how its raw word reads (docs/memory-maps.md)
+  std::optional<GasCurve> curve = {};  ///< of a gas
+  int full_scale = 0;                  ///< units of the curve
+  Table table = {};                    ///< what a host makes of the curve
 };
 
 using ChannelPlans = std::array<ChannelPlan, 4>;
 
 /// The channels of a platform 5 part number; one that is not made gets those of part 120.
-ChannelPlans PlanOf(int part);
+const ChannelPlans& PlanOf(int part);
 
 }  // namespace brelant::bench

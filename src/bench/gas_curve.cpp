@@ -34,14 +34,45 @@ double GasCurve::Concentration(double y) const {
   return (low + high) / 2;
 }
 
+namespace {
+
+// Halves its way to the gas. It stops at the first step that meets the position without its fraction, which
+// may be beside the true place; a host that reads a table back expects the same entries.
+int GasByHalves(const GasCurve& curve, double full, double position) {
+  double gas = 32768;
+  for (double step = gas / 2; step > 0; step /= 2) {
+    const double met = std::trunc((curve.Transmission(gas) - full) / (1 - full) * kZeroGas);
+    if (met == position) break;
+    gas += position > met ? -step : step;
+  }
+  return static_cast<int>(gas);
+}
+
+// Entry 16 continues the last segment.
+void Finish(Table& table, int offset) {
+  table[15] = offset;
+  table[16] = 2 * table[15] - table[14];
+}
+
+}  // namespace
+
+Table DefinitionTable(const GasCurve& curve, double full_scale, int offset) {
+  Table table{};
+  const double full = curve.Transmission(full_scale);
+  for (std::size_t i = 0; i < 15; ++i) {
+    table[i] = GasByHalves(curve, full, kSegment * static_cast<double>(i)) + offset;
+  }
+  Finish(table, offset);
+  return table;
+}
+
 Table GasTable(const GasCurve& curve, double floor, int offset) {
   Table table{};
   for (std::size_t i = 0; i < 15; ++i) {
     const double y = floor + (1 - floor) * static_cast<double>(i) / 15;
     table[i] = static_cast<int>(curve.Concentration(y)) + offset;
   }
-  table[15] = offset;
-  table[16] = 2 * table[15] - table[14];
+  Finish(table, offset);
   return table;
 }
 
@@ -68,14 +99,13 @@ double ValueAt(const Table& table, double position) {
 }
 
 double PositionOf(const Table& table, double value) {
-  const bool rising = table[15] > table[0];
-  double low = 0;
-  double high = kZeroGas;
-  for (int i = 0; i < 60; ++i) {
-    const double middle = (low + high) / 2;
-    ((ValueAt(table, middle) < value) == rising ? low : high) = middle;
+  for (std::size_t i = 0; i <= kLastSegment; ++i) {
+    const auto [low, high] = std::minmax(table[i], table[i + 1]);
+    if (low == high || value < low || value > high) continue;
+    return kSegment * (static_cast<double>(i) + (value - table[i]) / (table[i + 1] - table[i]));
   }
-  return (low + high) / 2;
+  const bool beyond_the_end = std::abs(value - table[15]) < std::abs(value - table[0]);
+  return beyond_the_end ? kZeroGas : 0;
 }
 
 }  // namespace brelant::bench

@@ -43,6 +43,8 @@ using Table = std::array<int, 17>;
 
 /// The table of a gas from entry 15 (no gas) down to the transmission `floor` at entry 0.
 Table GasTable(const GasCurve& curve, double floor, int offset);
+/// The table that a host computes from a definition file (docs/memory-maps.md, Definition files).
+Table DefinitionTable(const GasCurve& curve, double full_scale, int offset);
 /// The table whose entries rise evenly.
 Table EvenTable(int first, int step);
 
@@ -51,7 +53,7 @@ void PutTable(Bytes memory, std::size_t address, const Table& table);
 
 /// The value of a table at a position; positions beyond 0..61440 count as these.
 double ValueAt(const Table& table, double position);
-/// The position at which a steadily rising or falling table has this value; the nearer end if it has not.
+/// The position at which a rising or falling table has this value; the nearer end if it has not.
 double PositionOf(const Table& table, double value);
 
 }  // namespace brelant::bench

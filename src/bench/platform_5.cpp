@@ -50,20 +50,6 @@ const Wave& WaveOf(const GasCurve& curve) {
   return curve.ppm_per_unit > 1 ? kCellarGas : kRoomGas;
 }
 
-double Floor(const ChannelPlan& plan) {
-  return plan.curve->Transmission(plan.full_scale);
-}
-
-double PositionOfGas(const ChannelPlan& plan, double units) {
-  const double floor = Floor(plan);
-  return std::max(0.0, (plan.curve->Transmission(units) - floor) / (1 - floor) * kZeroGas);
-}
-
-double GasAtPosition(const ChannelPlan& plan, double position) {
-  const double floor = Floor(plan);
-  return plan.curve->Concentration(floor + (1 - floor) * position / kZeroGas);
-}
-
 struct RawRange {
   int low;
   int high;
@@ -112,8 +98,9 @@ void FillAlarmLevels(Memory& memory, const ChannelPlans& plans) {
   const int main = kRawOffset + (cellar ? 3000 : 1400);
   const int average = kRawOffset + (cellar ? 1900 : 1100);
   const bool has_average = plans[3].quantity == Quantity::kAverageGas;
-  constexpr int kCold = kRawOffset + 1950;
-  constexpr int kHot = kRawOffset + 2450;
+  // Whole degrees, as the chart panel shows no others.
+  constexpr int kCold = kRawOffset + 2000;
+  constexpr int kHot = kRawOffset + 2400;
   PutFunction(memory, 0, {has_average ? 3 : 1, pre - 10, pre, true, true});
   PutFunction(memory, 1, {1, main - 10, main, true, true});
   PutFunction(memory, 2, {has_average ? 3 : 1, average, average, true, true});
@@ -125,15 +112,33 @@ void FillAlarmLevels(Memory& memory, const ChannelPlans& plans) {
   memory.ram[kShiftChannel] = 0x10;
 }
 
-void FillGasWords(Memory& memory, const ChannelPlans& plans) {
-  for (std::size_t gas = 0; gas < 2; ++gas) {
-    const ChannelPlan& plan = plans[gas + 1];
-    const double position =
-        plan.curve ? PositionOfGas(plan, kFreshAirPpm / plan.curve->ppm_per_unit) : kZeroGas;
-    PutWord(memory.ram, kBackground + kGasStride * gas, static_cast<int>(std::lround(position)));
-    PutWord(memory.ram, kCalibrationBase + kGasStride * gas,
-            static_cast<int>(std::lround(position * kOne / kNewZeroWord)));
+int FreshAirWord(const ChannelPlan& plan) {
+  return Nearest(PositionOf(plan.table, kRawOffset + kFreshAirPpm / plan.curve->ppm_per_unit));
+}
+
+// The host reads the second gas one byte behind the place at which it writes it back (docs/memory-maps.md,
+// Platform 5). A word of two equal bytes, with the same byte in front of it, is not changed by that.
+int WordOfEqualBytes(const ChannelPlan& plan, int wanted) {
+  const auto stays = [&](int word) {
+    return word == Nearest(PositionOf(plan.table, Nearest(ValueAt(plan.table, word))));
+  };
+  int best = 0;
+  for (int word = 0; word < kZeroGas; word += 257) {
+    if (stays(word) && std::abs(word - wanted) < std::abs(best - wanted)) best = word;
   }
+  return best;
+}
+
+// A background is the position of a whole value in the sensor's table, so that settings which go through a
+// file come back as they were.
+void FillGasWords(Memory& memory, const ChannelPlans& plans) {
+  const int first = FreshAirWord(plans[1]);
+  PutWord(memory.ram, kBackground, first);
+  PutWord(memory.ram, kCalibrationBase, BaseOf(first));
+  if (!plans[2].curve) return;
+  const int second = WordOfEqualBytes(plans[2], FreshAirWord(plans[2]));
+  PutWord(memory.ram, kBackground + kGasStride, second);
+  PutWord(memory.ram, kCalibrationBase + kGasStride, (BaseOf(second) & ~255) | (second & 255));
 }
 
 int RawOf(const Memory& memory, std::size_t channel) {
@@ -154,11 +159,11 @@ int MoveGas(Memory& memory, std::size_t channel, const ChannelPlan& plan, const 
   const Wave& wave = WaveOf(*plan.curve);
   const bool average = plan.quantity == Quantity::kAverageGas;
   const double ppm = average ? AveragePpm(wave, moment) : wave.At(moment.seconds);
-  const int signal = SignalAt(PositionOfGas(plan, ppm / plan.curve->ppm_per_unit));
+  const int signal = SignalAt(PositionOf(plan.table, kRawOffset + ppm / plan.curve->ppm_per_unit));
   PutWord(memory.ram, kSignals + 2 * channel, signal);
   const double spread = static_cast<double>(Word(memory.ram, kSpanWords + 2 * channel)) / kOne;
   const double position = PositionBy(Word(memory.ram, kZeroWords + 2 * channel), signal, spread);
-  return kRawOffset + static_cast<int>(std::lround(GasAtPosition(plan, position)));
+  return Nearest(ValueAt(plan.table, position));
 }
 
 // The zero word of a temperature is an addend.
@@ -214,7 +219,7 @@ void MoveAlarms(Memory& memory) {
 }  // namespace
 
 void FillPlatform5(const Product& product, Memory& memory) {
-  const ChannelPlans plans = PlanOf(product.part);
+  const ChannelPlans& plans = PlanOf(product.part);
   Bytes ram = memory.ram;
   ram[kCentralUnitFlags] = 128;
   ram[kDisplayMode] = 2;
@@ -242,7 +247,7 @@ void FillPlatform5(const Product& product, Memory& memory) {
 }
 
 void MovePlatform5(const Product& product, Memory& memory, const Moment& moment) {
-  const ChannelPlans plans = PlanOf(product.part);
+  const ChannelPlans& plans = PlanOf(product.part);
   for (std::size_t channel = 0; channel < plans.size(); ++channel) {
     PutWord(memory.ram, kLive + 2 * channel, MoveChannel(memory, channel, plans[channel], moment));
   }

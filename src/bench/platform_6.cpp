@@ -49,7 +49,7 @@ constexpr std::size_t kLastInput = 12;
 
 constexpr std::size_t kHumidityTable = 2;
 constexpr std::size_t kGasTable = 4;
-constexpr int kSpread = 2;  // and so says the option bit
+constexpr int kNewSpread = 2;  // and so says the option bit
 constexpr std::uint8_t kSpreadOption = 2;
 constexpr std::uint8_t kNoSecondGas = 4;
 constexpr int kDigital = 64;
@@ -58,6 +58,10 @@ constexpr int kVav = 1;       // a variant
 
 std::size_t LiveAt(std::size_t channel) {
   return kLive + 2 * (channel - kFirstInput);
+}
+
+int SpreadOf(const Memory& memory) {
+  return (memory.eeprom[kOptions] & kSpreadOption) != 0 ? 2 : 1;
 }
 
 void PutFunction(Bytes eeprom, std::size_t index, const FunctionBlock& block) {
@@ -148,7 +152,7 @@ void FillPlatform6(const Product& product, Memory& memory) {
   PutWord(eeprom, kTemperatureSetPoint1, kRawOffset + 2200);
   PutWord(eeprom, kTemperatureSetPoint2, kRawOffset + 2200);
   PutWord(eeprom, kGasSetPoint, kRawOffset + 800);
-  const GasWords gas = GasWordsOf(kCurveA, kSpread);
+  const GasWords gas = GasWordsOf(kCurveA, kNewSpread);
   for (const std::size_t index : {0U, 1U}) {
     PutWord(eeprom, kCalibrationBase + kGasStride * index, gas.calibration_base);
     PutWord(eeprom, kBackground + kGasStride * index, gas.background);
@@ -177,7 +181,7 @@ void MovePlatform6(const Product&, Memory& memory, const Moment& moment) {
   Bytes ram = memory.ram;
   const int signal = SignalAt(kCurveA.Transmission(kRoomGas.At(moment.seconds)) * kZeroGas);
   PutWord(ram, kSignal, signal);
-  const double position = PositionBy(Word(memory.eeprom, kZeroWords), signal, kSpread);
+  const double position = PositionBy(Word(memory.eeprom, kZeroWords), signal, SpreadOf(memory));
   const double celsius = kTemperature.At(moment.seconds);
   const double humid = PositionOf(EvenTable(kRawOffset, 70), kRawOffset + kHumidity.At(moment.seconds) * 10);
   PutWord(ram, LiveAt(kTemperature1), TemperatureThrough6x(memory, celsius));

@@ -48,10 +48,11 @@ void FillPlatform61(const Product& product, Memory& memory) {
   FillIdentity6x(product, memory);
   const GasWords gas = GasWordsOf(CurveOf(product), SpreadOf(product));
   PutWord(eeprom, kZeroWord, kNewZeroWord);
-  for (const std::size_t index : {0U, 1U}) {
-    PutWord(eeprom, kCalibrationBase + 2 * index, gas.calibration_base);
-    PutWord(eeprom, kBackground + 2 * index, gas.background);
-  }
+  PutWord(eeprom, kCalibrationBase, gas.calibration_base);
+  PutWord(eeprom, kBackground, gas.background);
+  // There is no second gas; a host takes its background through table 0, and only zero gas comes back as it
+  // was with every scale.
+  PutWord(eeprom, kBackground + 2, static_cast<int>(kZeroGas));
   eeprom[kDisplay] = kGasChannel << 4 | kTemperatureChannel;
   eeprom[kDisplay + 1] =
       static_cast<std::uint8_t>(kGasChannel << 4 | (oxygen ? kOxygenChannel : kTemperatureChannel));

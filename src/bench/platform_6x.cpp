@@ -46,10 +46,10 @@ void FillIdentity6x(const Product& product, Memory& memory) {
 
 GasWords GasWordsOf(const GasCurve& curve, int spread) {
   GasWords words{GasTable(curve, (spread - 1.0) / spread, kRawOffset), 0, 0};
-  const double fresh = PositionOf(words.table, kRawOffset + kFreshAirPpm / curve.ppm_per_unit);
-  words.background = static_cast<int>(std::lround(kZeroGas - (kZeroGas - fresh) / spread));
-  words.calibration_base =
-      static_cast<int>(std::lround(static_cast<double>(words.background) * kOne / kNewZeroWord));
+  // The position of a whole value, so that it comes back from a settings file as it was.
+  const int fresh = Nearest(PositionOf(words.table, kRawOffset + kFreshAirPpm / curve.ppm_per_unit));
+  words.background = WordOfPosition(fresh, spread);
+  words.calibration_base = BaseOf(words.background);
   return words;
 }
 

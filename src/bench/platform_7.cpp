@@ -46,6 +46,10 @@ constexpr int kAlarmConstant = 16383;
 constexpr int kFreshAirPpm = 400;
 constexpr int kSerialNumber = 1042;
 
+int SpreadOf(const Memory& memory) {
+  return Word(memory.eeprom, kSpread) == kOne ? 1 : 2;
+}
+
 std::size_t TableAt(std::size_t table) {
   return kTables + kTableSize * table;
 }
@@ -81,7 +85,7 @@ void MoveGas(Memory& memory, double seconds) {
   const double units = kCellarGas.At(seconds) / kCurveD.ppm_per_unit;
   const int signal = SignalAt(kCurveD.Transmission(units) * kZeroGas);
   PutWord(memory.ram, kGasSignal, signal);
-  const double position = PositionBy(Word(memory.eeprom, kZeroWord), signal, 1);
+  const double position = PositionBy(Word(memory.eeprom, kZeroWord), signal, SpreadOf(memory));
   PutWord(memory.ram, kLive + 2 * kGasChannel, ThroughTable(memory, kGasTable, position));
 }
 
@@ -113,7 +117,7 @@ void FillPlatform7(const Product& product, Memory& memory) {
   PutAlarmRow(eeprom, 0, kGasChannel, 1500, 0);
   PutAlarmRow(eeprom, 1, kGasChannel, 3000, 0);
   PutAlarmRow(eeprom, 2, kOxygenChannel, 1900, kBelow);
-  const auto fresh = static_cast<int>(std::lround(PositionOf(gas, kFreshAirPpm / kCurveD.ppm_per_unit)));
+  const int fresh = Nearest(PositionOf(gas, kFreshAirPpm / kCurveD.ppm_per_unit));
   PutWord(eeprom, kBackground, fresh);
   PutWord(eeprom, kBackground + 2, fresh);
   // The serial number lies least significant byte first.

@@ -190,8 +190,8 @@ void ExpectWhole(const std::string& name) {
 }
 
 TEST(SimulationFile, EachIsAWholeContainer) {
-  for (const char* name : {"Last.sim", "Vega 3.sim", "Platform 5 part 104.sim", "Platform 5 part 112.sim",
-                           "Platform 5 part 120.sim", "Platform 5 part 231.sim"}) {
+  for (const char* name : {"Last.sim", "Vega 3.sim", "Platform 5 chart.sim", "Platform 5 part 104.sim",
+                           "Platform 5 part 112.sim", "Platform 5 part 120.sim", "Platform 5 part 231.sim"}) {
     ExpectWhole(name);
   }
 }
@@ -207,6 +207,18 @@ TEST(SimulationFile, IsWhatTheVirtualSensorHolds) {
       ASSERT_EQ(ram[at], sensor.Ram()[at]) << at;
     }
   }
+}
+
+// Its levels are shown through channels 1 and 3, so both must be of one type.
+TEST(SimulationFile, ChartIsASensorWithAlarmLevels) {
+  const auto ram = RamOf(Load("Platform 5 chart.sim"));
+  EXPECT_EQ(ram[65], 231);
+  EXPECT_EQ(ram[226], 3);
+  EXPECT_EQ(ram[162], 3);
+  EXPECT_EQ(ram[205], 243);
+  const auto channels = ChannelsOf("DEF00231.PDT");
+  EXPECT_EQ(channels[1].type, 15);
+  EXPECT_EQ(channels[3].type, 15);
 }
 
 TEST(SimulationFile, LastIsAnOrdinaryOne) {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "arithmetic.h"
 #include "bench/function_block.h"
 #include "bench/virtual_sensor.h"
 
@@ -13,15 +14,6 @@ namespace brelant::bench {
 namespace {
 
 using std::chrono::seconds;
-
-int WordAt(ConstBytes memory, std::size_t address) {
-  return memory[address] * 256 + memory[address + 1];
-}
-
-void SetWord(Bytes memory, std::size_t address, int value) {
-  memory[address] = static_cast<std::uint8_t>(value / 256);
-  memory[address + 1] = static_cast<std::uint8_t>(value % 256);
-}
 
 // How many of the polls of ten minutes, two seconds apart, show another word than the poll before.
 int Changes(VirtualSensor& sensor, std::size_t address) {
@@ -155,53 +147,6 @@ TEST(Alarms, FollowALevelThatTheHostWrites) {
   SetWord(sensor.Eeprom(), 840, 9999);
   sensor.Advance(seconds(0));
   EXPECT_EQ(sensor.Ram()[210] & 2, 0);
-}
-
-TEST(Calibration, AZeroWordMovesTheReadingOfPlatform5) {
-  VirtualSensor sensor({.part = 231});
-  const int signal = WordAt(sensor.Ram(), 70);
-  SetWord(sensor.Ram(), 130, 125829120 / signal);
-  sensor.Advance(seconds(0));
-  EXPECT_NEAR(WordAt(sensor.Ram(), 22), 5000, 5);
-}
-
-TEST(Calibration, AZeroWordMovesTheReadingOfTheOthers) {
-  struct Case {
-    int part;
-    std::size_t signal;
-    std::size_t zero;
-    std::size_t value;
-    int none;
-  };
-  for (const auto& [part, signal, zero, value, none] :
-       {Case{217, 72, 46, 30, 5000}, Case{215, 40, 46, 22, 5000}, Case{50, 40, 14, 22, 0}}) {
-    VirtualSensor sensor({.part = part});
-    SetWord(sensor.Eeprom(), zero, 125829120 / WordAt(sensor.Ram(), signal));
-    sensor.Advance(seconds(0));
-    EXPECT_NEAR(WordAt(sensor.Ram(), value), none, 5) << part;
-  }
-}
-
-TEST(Calibration, ATemperatureIsShiftedByItsWordOrItsTable) {
-  VirtualSensor five({.part = 231});
-  SetWord(five.Ram(), 128, WordAt(five.Ram(), 128) + 150);
-  five.Advance(seconds(0));
-  EXPECT_EQ(WordAt(five.Ram(), 20), 5000 + 2350);
-
-  VirtualSensor seven({.part = 50});
-  for (std::size_t at = 512; at < 546; at += 2) SetWord(seven.Eeprom(), at, WordAt(seven.Eeprom(), at) + 150);
-  seven.Advance(seconds(0));
-  EXPECT_EQ(WordAt(seven.Ram(), 20), 2350);
-}
-
-TEST(Calibration, OxygenAnswersItsZeroAndItsSpan) {
-  VirtualSensor sensor({.part = 50});
-  SetWord(sensor.Eeprom(), 0, 1024);  // half of 19.3 %
-  sensor.Advance(seconds(0));
-  EXPECT_EQ(WordAt(sensor.Ram(), 24), 965);
-  SetWord(sensor.Eeprom(), 760, WordAt(sensor.Ram(), 38));
-  sensor.Advance(seconds(0));
-  EXPECT_EQ(WordAt(sensor.Ram(), 24), 0);
 }
 
 // Function 1 of part 231 runs from 20 to 26 C and feeds output 1; at 22 C it stands at a third.
