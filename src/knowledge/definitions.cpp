@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "knowledge/little_endian.h"
+#include "knowledge/table_address.h"
 
 namespace brelant {
 
@@ -136,11 +137,10 @@ bool Definitions::BuildGasTable(int table, const GasCurve& curve, float fullScal
 }
 
 void Definitions::StoreTable(int table, const GasTable& entries) {
-  constexpr int kTableSize = 34;
-  constexpr int kFirstEepromTable = 308;
-  const int first = (com_.GetPlatform() == 5 ? 0 : kFirstEepromTable) + kTableSize * table;
+  const auto platform = com_.GetPlatform();
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    image_.SetEepromWord(first + 2 * static_cast<int>(i), entries[i]);
+    const auto address = TableAddress(platform, table, static_cast<int>(i));
+    if (address) image_.SetEepromWord(*address, entries[i]);
   }
 }
 

@@ -77,16 +77,35 @@ Place FindPlace(const Bytes& file, std::uint32_t count, std::uint8_t block) {
   return {offset, false};
 }
 
+/// Replaces the block of that type, or puts it behind the last one.
+void PutBlock(Bytes& file, std::uint8_t type, const Bytes& payload) {
+  const std::uint32_t count = file[kCountAt];
+  const auto place = FindPlace(file, count, type);
+  const auto end = place.offset + kBlockHeader + payload.size();
+  if (file.size() < end) file.resize(end);
+  WriteLittleEndian(file, place.offset, 2, type);
+  WriteLittleEndian(file, place.offset + 2, 2, static_cast<std::uint32_t>(payload.size()));
+  std::copy(payload.begin(), payload.end(),
+            file.begin() + static_cast<std::ptrdiff_t>(place.offset + kBlockHeader));
+  WriteLittleEndian(file, kCountAt, 2, place.found ? count : count + 1);
+}
+
 }  // namespace
 
-snsFil::snsFil(Session& session, SensorImage& image, snscom& com, const Machine& machine)
-    : session_(session), image_(image), com_(com), machine_(machine) {}
+snsFil::snsFil(Session& session, SensorImage& image, snscom& com, SnsInfo& info, Table& table,
+               const Machine& machine)
+    : session_(session), image_(image), com_(com), info_(info), table_(table), machine_(machine) {}
 
 bool snsFil::ReadSetBlock(const std::string& fileName, std::uint8_t& block, bool reportError, bool apply) {
+  return ReadBlock(fileName, block, reportError, apply) != Found::failed;
+}
+
+snsFil::Found snsFil::ReadBlock(const std::string& fileName, std::uint8_t& block, bool reportError,
+                                bool apply) {
   std::fill_n(image_.SetBuffer.begin(), kEepromBytes, std::uint8_t{0});
   if (fileName.empty() || !machine_.files.Exists(fileName)) {
     session_.Fail("File not found " + fileName);
-    return false;
+    return Found::failed;
   }
   try {
     auto file = machine_.files.Read(fileName, kReadLimit);
@@ -95,21 +114,21 @@ bool snsFil::ReadSetBlock(const std::string& fileName, std::uint8_t& block, bool
     const auto length = ReadLittleEndian(file, kLengthAt, 2);
     if (size <= kHeaderSize || length == 0) {
       session_.Fail("File is damaged " + fileName);
-      return false;
+      return Found::failed;
     }
     if (length + kHeaderSize >= kReadLimit) throw std::out_of_range("Subscript out of range");
     if (ChecksumOf(file, length) != ReadLittleEndian(file, kChecksumAt, 2)) {
       session_.Fail("File is damaged " + fileName);
-      return false;
+      return Found::failed;
     }
     return TakeBlocks(file, block, apply);
   } catch (const std::exception& fault) {
     if (reportError) session_.Fail(fault.what());
-    return false;
+    return Found::failed;
   }
 }
 
-bool snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block, bool apply) {
+snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block, bool apply) {
   const int count = file[kCountAt];
   std::size_t offset = kHeaderSize;
   for (int i = 0; i < count; ++i) {
@@ -125,13 +144,13 @@ bool snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block,
         if (size > payload.size()) throw std::out_of_range("Subscript out of range");
         TakeBlock(type, payload.first(size), apply);
       }
-      return true;
+      return Found::block;
     }
     offset += kBlockHeader + size;
   }
-  if (count == 0) return true;
+  if (count == 0) return Found::noBlocks;
   session_.Fail("Setfile error");
-  return false;
+  return Found::failed;
 }
 
 void snsFil::TakeRamBlock(std::span<const std::uint8_t> payload, bool apply) {
@@ -164,34 +183,35 @@ bool snsFil::SaveSettings(std::uint8_t& block, const std::string& fileName, std:
                           bool useSelection, bool fresh) {
   if (block == first) block = BlockOfPlatform();
   if (block == first) return false;
+  const BlockWrite write{block, useSelection};
+  return SaveBlocks(fileName, version, {&write, 1}, fresh);
+}
+
+bool snsFil::SaveBlocks(const std::string& fileName, std::uint8_t version, std::span<const BlockWrite> blocks,
+                        bool fresh) {
   const auto name = WithEnding(fileName);
   try {
-    Bytes file;
-    if (!fresh && machine_.files.Exists(name))
-      file = machine_.files.Read(name, std::numeric_limits<std::size_t>::max());
-    if (IsDiscarded(name, file)) file.assign(kHeaderSize, 0);
-    std::uint32_t count = file[kCountAt];
-    const auto place = FindPlace(file, count, block);
-    if (!place.found) ++count;
-
-    const auto payload = Payload(block, useSelection);
-    const std::size_t end = place.offset + kBlockHeader + payload.size();
-    if (file.size() < end) file.resize(end);
-    WriteLittleEndian(file, place.offset, 2, block);
-    WriteLittleEndian(file, place.offset + 2, 2, static_cast<std::uint32_t>(payload.size()));
-    std::copy(payload.begin(), payload.end(),
-              file.begin() + static_cast<std::ptrdiff_t>(place.offset + kBlockHeader));
-
+    auto file = KeptFile(name, fresh);
+    for (const auto& block : blocks) PutBlock(file, block.type, Payload(block));
     const auto length = file.size() - kHeaderSize;
     WriteLittleEndian(file, 0, 1, version);
     WriteLittleEndian(file, kChecksumAt, 2, ChecksumOf(file, length));
     WriteLittleEndian(file, kLengthAt, 2, static_cast<std::uint32_t>(length));
-    WriteLittleEndian(file, kCountAt, 2, count);
     machine_.files.Write(name, file);
     return true;
   } catch (const std::exception&) {
     return false;
   }
+}
+
+/// The old file, or the header of a new one if there is none worth keeping.
+Bytes snsFil::KeptFile(const std::string& name, bool fresh) const {
+  Bytes file;
+  if (!fresh && machine_.files.Exists(name)) {
+    file = machine_.files.Read(name, std::numeric_limits<std::size_t>::max());
+  }
+  if (IsDiscarded(name, file)) file.assign(kHeaderSize, 0);
+  return file;
 }
 
 std::uint8_t snsFil::BlockOfPlatform() {
@@ -206,12 +226,12 @@ std::uint8_t snsFil::BlockOfPlatform() {
   }
 }
 
-Bytes snsFil::Payload(std::uint8_t block, bool useSelection) const {
+Bytes snsFil::Payload(const BlockWrite& block) const {
   Bytes payload;
   const auto append = [&](const auto& image, std::size_t from, std::size_t to) {
     for (std::size_t i = from; i < to; ++i) payload.push_back(static_cast<std::uint8_t>(AsByte(image[i])));
   };
-  switch (block) {
+  switch (block.type) {
     case ram5:
       append(image_.RamImage, 0, kLowPart);
       append(image_.RamImage, kHighPart, kRamBytes);
@@ -220,7 +240,7 @@ Bytes snsFil::Payload(std::uint8_t block, bool useSelection) const {
       append(image_.EepromImage, 0, kEepromBytes);
       break;
     case selection:
-      if (useSelection) {
+      if (block.useSelection) {
         payload.resize(kSelectionPad + kEepromBytes);
         std::copy_n(image_.ReadRequest.begin(), kEepromBytes, payload.begin() + kSelectionPad);
       } else {

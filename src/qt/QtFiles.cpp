@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
+#include <cstdint>
 
 #include "platform/machine_error.h"
 #include "qt/machine_path.h"
@@ -48,7 +50,8 @@ bool QtFiles::Exists(const std::string& path) const {
 std::vector<std::uint8_t> QtFiles::Read(const std::string& path, std::size_t limit) const {
   QFile file(ExistingPath(path));
   if (!file.open(QIODevice::ReadOnly)) Fail(file);
-  const auto bytes = file.read(static_cast<qint64>(limit));
+  const auto size = static_cast<std::uint64_t>(file.size());
+  const auto bytes = file.read(static_cast<qint64>(std::min<std::uint64_t>(limit, size)));
   if (file.error() != QFileDevice::NoError) Fail(file);
   return {bytes.begin(), bytes.end()};
 }
@@ -56,8 +59,10 @@ std::vector<std::uint8_t> QtFiles::Read(const std::string& path, std::size_t lim
 void QtFiles::Write(const std::string& path, std::span<const std::uint8_t> bytes) {
   QSaveFile file(MachinePath(path));
   if (!file.open(QIODevice::WriteOnly)) Fail(file);
-  file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-  if (!file.commit()) Fail(file);
+  const auto size = static_cast<qint64>(bytes.size());
+  // commit() alone takes a file for whole whose buffer a full disk did not take.
+  const bool written = file.write(reinterpret_cast<const char*>(bytes.data()), size) == size && file.flush();
+  if (!written || !file.commit()) Fail(file);
 }
 
 void QtFiles::Remove(const std::string& path) {

@@ -1,48 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <numeric>
-
+#include "knowledge/set_file_bytes.h"
 #include "support/knowledge.h"
 
 namespace brelant {
 namespace {
 
 using namespace test;
-
-struct Block {
-  int type;
-  Bytes payload;
-};
-
-void PutWord(Bytes& bytes, std::size_t offset, std::size_t value) {
-  bytes[offset] = static_cast<std::uint8_t>(value & 255);
-  bytes[offset + 1] = static_cast<std::uint8_t>(value >> 8 & 255);
-}
-
-/// A settings file of these blocks, sound in all respects.
-Bytes SetFile(const std::vector<Block>& blocks) {
-  Bytes bytes(17);
-  bytes[0] = 1;
-  for (const auto& block : blocks) {
-    const auto at = bytes.size();
-    bytes.resize(at + 4);
-    PutWord(bytes, at, static_cast<std::size_t>(block.type));
-    PutWord(bytes, at + 2, block.payload.size());
-    bytes.insert(bytes.end(), block.payload.begin(), block.payload.end());
-  }
-  PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
-  PutWord(bytes, 3, bytes.size() - 17);
-  PutWord(bytes, 5, blocks.size());
-  return bytes;
-}
-
-/// 0, 1, 2 ... and round again.
-Bytes Rising(std::size_t size, int first = 0) {
-  Bytes bytes(size);
-  for (std::size_t i = 0; i < size; ++i) {
-    bytes[i] = static_cast<std::uint8_t>(i + static_cast<std::size_t>(first));
-  }
-  return bytes;
-}
 
 class SetFileTest : public KnowledgeTest {
  protected:
@@ -260,7 +223,7 @@ TEST_F(SetFileTest, ABlockThatReachesBeyondTheFileIsNoCrash) {
     for (const std::size_t size : {0U, 5U, 239U, 552U, 65535U}) {
       auto bytes = SetFile({{type, Bytes(4)}});
       PutWord(bytes, 19, size);
-      PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
+      Mend(bytes);
       Store(bytes);
       session.LastError.clear();
       const bool done = Read(static_cast<std::uint8_t>(type));
@@ -281,7 +244,7 @@ TEST_F(SetFileTest, NonsenseIsDamagedOrNoCrash) {
       byte = static_cast<std::uint8_t>(state >> 24);
     }
     PutWord(bytes, 3, bytes.size() - 17);
-    PutWord(bytes, 1, static_cast<std::size_t>(std::accumulate(bytes.begin() + 17, bytes.end(), 0)));
+    Mend(bytes);
     Store(bytes);
     session.LastError.clear();
     for (const std::uint8_t block : {0, 1, 10, 15, 20}) {
@@ -303,6 +266,133 @@ TEST_F(SetFileTest, ALongerFileIsNoCrash) {
   Store(SetFile({{10, Rising(512)}, {99, Bytes(60000)}}));
   EXPECT_FALSE(Read(10));
   EXPECT_NE(session.LastError, "");
+}
+
+// Headers and block lists that lie
+
+TEST_F(SetFileTest, TheSmallestSoundFileHasNoBlocks) {
+  Bytes bytes(18);
+  bytes[17] = 9;
+  PutWord(bytes, 3, 1);
+  Mend(bytes);
+  Store(bytes);
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 0);
+}
+
+TEST_F(SetFileTest, BehindTheEndOfAFileStandZeros) {
+  image.RamImage.fill(7);
+  Bytes bytes(18);
+  bytes[17] = 1;  // the type of a block that is not there
+  PutWord(bytes, 3, 1);
+  PutWord(bytes, 5, 1);
+  Mend(bytes);
+  Store(bytes);
+  EXPECT_TRUE(Read(1));
+  EXPECT_EQ(image.RamImage[0], 0);
+  EXPECT_EQ(image.RamImage[112], 7);
+  EXPECT_EQ(image.RamImage[255], 0);
+}
+
+TEST_F(SetFileTest, ALengthBelowTheFileOnlyShortensTheChecksum) {
+  auto bytes = SetFile({{10, Rising(512)}});
+  PutWord(bytes, 3, 1);
+  PutWord(bytes, 1, 10);  // the bytes at 17 and 18
+  Store(bytes);
+  EXPECT_TRUE(Read(10));
+  EXPECT_EQ(image.EepromImage[511], 255);
+}
+
+TEST_F(SetFileTest, ALengthAboveTheFileCountsZeros) {
+  auto bytes = SetFile({{10, Rising(512)}});
+  PutWord(bytes, 3, 1483);
+  Store(bytes);
+  EXPECT_TRUE(Read(10)) << session.LastError;
+  PutWord(bytes, 3, 1484);  // one place further than the reader has
+  Store(bytes);
+  EXPECT_FALSE(Read(10));
+  EXPECT_NE(session.LastError, "");
+  EXPECT_THAT(session.LastError, testing::Not(testing::StartsWith("File is damaged")));
+}
+
+TEST_F(SetFileTest, FilesAroundTheReadersLimit) {
+  // 17 + 4 + 512 + 4 = 537 bytes beside the filler.
+  for (const std::size_t size : {1499U, 1500U, 1501U, 1502U}) {
+    session.LastError.clear();
+    Store(SetFile({{10, Rising(512)}, {99, Bytes(size - 537, 1)}}));
+    ASSERT_EQ(bus.files.Get(kName).size(), size);
+    EXPECT_EQ(Read(10), size <= 1500) << size;
+    EXPECT_EQ(session.LastError.empty(), size <= 1500) << size;
+  }
+}
+
+TEST_F(SetFileTest, AFileOf70000BytesIsCutOff) {
+  auto bytes = SetFile({{10, Rising(512)}});
+  bytes.resize(70000, 3);
+  PutWord(bytes, 3, 1400);
+  Mend(bytes);
+  Store(bytes);
+  EXPECT_TRUE(Read(10)) << session.LastError;
+  // Its own length is more than the field holds.
+  PutWord(bytes, 3, 70000 - 17);
+  Store(bytes);
+  EXPECT_FALSE(Read(10));
+  EXPECT_NE(session.LastError, "");
+}
+
+TEST_F(SetFileTest, MoreBlocksToldThanThereAreIsASetfileError) {
+  for (const std::size_t count : {2U, 5U, 200U}) {
+    session.LastError.clear();
+    auto bytes = SetFile({{15, Bytes(542)}});
+    PutWord(bytes, 5, count);
+    Store(bytes);
+    EXPECT_FALSE(Read(10));
+    EXPECT_EQ(session.LastError, "Setfile error") << count;
+  }
+}
+
+TEST_F(SetFileTest, FewerBlocksToldThanThereAreHideTheRest) {
+  auto bytes = SetFile({{15, Bytes(542)}, {10, Rising(512)}});
+  PutWord(bytes, 5, 1);
+  Store(bytes);
+  EXPECT_FALSE(Read(10));
+  EXPECT_EQ(session.LastError, "Setfile error");
+}
+
+TEST_F(SetFileTest, ABlockThatLeadsOutOfTheFileIsAFaultInside) {
+  for (const std::size_t size : {1480U, 40000U, 65535U}) {
+    auto bytes = SetFile({{15, Bytes(542)}, {10, Rising(512)}});
+    PutWord(bytes, 19, size);
+    Mend(bytes);
+    Store(bytes);
+    session.LastError.clear();
+    EXPECT_FALSE(Read(10, true, false)) << size;
+    EXPECT_EQ(session.LastError, "") << size;
+    EXPECT_FALSE(Read(10)) << size;
+    EXPECT_NE(session.LastError, "") << size;
+    EXPECT_NE(session.LastError, "Setfile error") << size;
+    EXPECT_FALSE(image.EepromValid[0]) << size;
+  }
+}
+
+TEST_F(SetFileTest, ASizeThatLiesMisplacesTheNextBlock) {
+  // Two bytes less: the next block seems to begin with the last two of this one.
+  auto bytes = SetFile({{99, {1, 2, 10, 0}}, {20, {7, 7, 7}}});
+  PutWord(bytes, 19, 2);
+  Mend(bytes);
+  Store(bytes);
+  EXPECT_TRUE(Read(10));  // 20 for a size, from there on
+  EXPECT_EQ(image.SetBuffer[0], 3);
+  EXPECT_EQ(image.SetBuffer[2], 7);
+}
+
+TEST_F(SetFileTest, AShortBlockSetsOnlyTheFlagsItHasBytesFor) {
+  Store(SetFile({{10, Rising(100, 1)}}));
+  EXPECT_TRUE(Read(10));
+  EXPECT_TRUE(image.EepromValid[99]);
+  EXPECT_FALSE(image.EepromValid[100]);
+  EXPECT_EQ(image.RamImage[65], 0);
+  EXPECT_TRUE(image.RamValid[65]);
 }
 
 TEST_F(SetFileTest, ASimulatedSensorNeedsNoBus) {
@@ -395,6 +485,146 @@ TEST_F(SetFileTest, AFileThatCannotBeWrittenIsAFailureAndNoCrash) {
   bus.files.Break(kName);
   std::uint8_t block = 0;
   EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
+}
+
+// More of saving
+
+TEST_F(SetFileTest, SavingTheSelectionFirstAndTwiceKeepsItFirst) {
+  bus.KnowPart(kPart6);
+  image.EepromImage[164] = kPart6;
+  image.ReadRequest[3] = 15;
+  std::uint8_t eeprom = 10;
+  std::uint8_t selection = 15;
+  for (int save = 0; save < 2; ++save) {
+    ASSERT_TRUE(file.SaveSettings(selection, kName, 1, true));
+    ASSERT_TRUE(file.SaveSettings(eeprom, kName, 1, false));
+    Bytes marks(542);
+    marks[33] = 15;
+    Bytes content(512);
+    content[164] = kPart6;
+    EXPECT_EQ(bus.files.Get(kName), SetFile({{15, marks}, {10, content}})) << save;
+  }
+}
+
+TEST_F(SetFileTest, SeveralBlocksAreOneWrite) {
+  bus.KnowPart(kPart6);
+  image.EepromImage[9] = 8;
+  image.ReadRequest[511] = 255;
+  const std::array<snsFil::BlockWrite, 2> blocks{{{10, false}, {15, true}}};
+  EXPECT_TRUE(file.SaveBlocks(kName, 1, blocks));
+  EXPECT_THAT(bus.files.acts, testing::ElementsAre("write C:/KVX/a.set"));
+  Bytes content(512);
+  content[9] = 8;
+  Bytes marks(542);
+  marks[541] = 255;
+  EXPECT_EQ(bus.files.Get(kName), SetFile({{10, content}, {15, marks}}));
+}
+
+TEST_F(SetFileTest, ASelectionThatIsNotWantedIsTheBufferUnchanged) {
+  image.SetBuffer[0] = 1;
+  image.SetBuffer[29] = 2;
+  image.SetBuffer[541] = 3;
+  image.SetBuffer[542] = 4;
+  image.ReadRequest.fill(9);
+  std::uint8_t block = 15;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+  Bytes payload(542);
+  payload[0] = 1;
+  payload[29] = 2;
+  payload[541] = 3;
+  EXPECT_EQ(bus.files.Get(kName), SetFile({{15, payload}}));
+}
+
+TEST_F(SetFileTest, ABlockOfTheWholeRamAndAnotherVersion) {
+  for (std::size_t i = 0; i < 258; ++i) image.RamImage[i] = static_cast<float>(i % 256);
+  std::uint8_t block = 20;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 7, false));
+  auto expected = SetFile({{20, Rising(256)}});
+  expected[0] = 7;
+  EXPECT_EQ(bus.files.Get(kName), expected);
+}
+
+TEST_F(SetFileTest, APlatformWithoutABlockSavesNothing) {
+  for (const auto part : {kPart7, kPart8, kPart9, kPartUnknown}) {
+    bus.KnowPart(part);
+    std::uint8_t block = 0;
+    EXPECT_FALSE(file.SaveSettings(block, kName, 1, false)) << int{part};
+    EXPECT_FALSE(bus.files.Exists(kName));
+  }
+  EXPECT_THAT(bus.files.acts, testing::IsEmpty());
+}
+
+TEST_F(SetFileTest, ASaveToLastSettingsKeepsTheBlocksThatItHas) {
+  bus.KnowPart(101);
+  for (const auto* name : {"C:\\KVX\\last.set", "last.set", "C:\\KVX\\mylast.set"}) {
+    bus.files.Put(name, SetFile({{15, Rising(542)}}));
+    std::uint8_t block = 0;
+    EXPECT_TRUE(file.SaveSettings(block, name, 1, false));
+    Bytes payload(240);
+    payload[65] = 101;
+    EXPECT_EQ(bus.files.Get(name), SetFile({{15, Rising(542)}, {1, payload}})) << name;
+  }
+}
+
+TEST_F(SetFileTest, AFreshSaveKeepsNothing) {
+  bus.KnowPart(101);
+  Store(SetFile({{15, Rising(542)}}));
+  std::uint8_t block = 0;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false, true));
+  EXPECT_EQ(bus.files.Get(kName).size(), 261U);
+}
+
+TEST_F(SetFileTest, WhatIsNoSettingsFileIsDiscardedBeforeSaving) {
+  bus.KnowPart(101);
+  auto noLength = SetFile({{15, Bytes(542)}});
+  PutWord(noLength, 3, 0);
+  Bytes header(17);
+  PutWord(header, 3, 1);
+  for (const auto& old : {Bytes{}, header, noLength, Bytes(18, 3), Bytes(1500, 3), Bytes(1501, 3),
+                          Bytes(1502, 3), Bytes(70000, 3)}) {
+    Store(old);
+    std::uint8_t block = 0;
+    EXPECT_TRUE(file.SaveSettings(block, kName, 1, false)) << old.size();
+    Bytes payload(240);
+    payload[65] = 101;
+    EXPECT_EQ(bus.files.Get(kName), SetFile({{1, payload}})) << old.size();
+  }
+}
+
+TEST_F(SetFileTest, ASoundFileWithoutBlocksTakesItsFirst) {
+  bus.KnowPart(101);
+  Bytes old(18);
+  old[17] = 99;
+  PutWord(old, 3, 1);
+  Mend(old);
+  Store(old);
+  std::uint8_t block = 0;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+  Bytes payload(240);
+  payload[65] = 101;
+  EXPECT_EQ(bus.files.Get(kName), SetFile({{1, payload}}));
+}
+
+TEST_F(SetFileTest, AFileWhoseBlocksLeadNowhereIsLeftAlone) {
+  bus.KnowPart(101);
+  auto old = SetFile({{15, Bytes(542)}, {20, Bytes(256)}});
+  PutWord(old, 19, 65535);
+  Mend(old);
+  Store(old);
+  std::uint8_t block = 0;
+  EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
+  EXPECT_EQ(bus.files.Get(kName), old);
+}
+
+TEST_F(SetFileTest, AFailedSaveLeavesTheOldFile) {
+  bus.KnowPart(101);
+  const auto old = SetFile({{15, Rising(542)}});
+  Store(old);
+  bus.files.Break(kName);
+  std::uint8_t block = 0;
+  EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
+  bus.files.Mend(kName);
+  EXPECT_EQ(bus.files.Get(kName), old);
 }
 
 }  // namespace

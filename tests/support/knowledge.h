@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "knowledge/SnsInfo.h"
+#include "knowledge/Table.h"
 #include "knowledge/definitions.h"
 #include "knowledge/snsFil.h"
 #include "support/bus.h"
@@ -95,7 +96,8 @@ class KnowledgeTest : public testing::Test {
   ScriptedPort& port = bus.port;
   Definitions definitions{session, image, bus.com, bus.machine};
   SnsInfo info{session, image, bus.com, definitions, bus.machine};
-  snsFil file{session, image, bus.com, bus.machine};
+  Table table{session, image, bus.com, definitions, info};
+  snsFil file{session, image, bus.com, info, table, bus.machine};
 };
 
 }  // namespace brelant::test
