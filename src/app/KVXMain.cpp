@@ -5,7 +5,9 @@
 #include <array>
 #include <cctype>
 
+#include "app/connection.h"
 #include "panels/frm5.h"
+#include "panels/frm5Chart.h"
 #include "platform/machine_error.h"
 #include "shell/Common.h"
 
@@ -15,7 +17,6 @@ namespace {
 
 constexpr float kProbeSeconds = 2.0F;
 constexpr std::int32_t kWholeRam = 8;
-constexpr const char* kUnknownSensor = "Unknown sensor type, can't connect to sensor.";
 
 /// Which panel shows which sensors.
 struct PanelChoice {
@@ -27,6 +28,7 @@ struct PanelChoice {
 
 constexpr std::array kPanelChoices{
     PanelChoice{5, 0, 0, "frm5"},
+    PanelChoice{5, 1, 3, "frm5Chart"},
 };
 
 const PanelChoice* ChoiceFor(int platform, float variant) {
@@ -45,9 +47,12 @@ bool IsSimulationFile(const std::string& name) {
 
 }  // namespace
 
-KVXMain::KVXMain(const PanelContext& context, SerialLink& link, snsFil& file, frmSim& sim,
-                 std::string applicationPath)
-    : context_(context), link_(link), file_(file), sim_(sim), applicationPath_(std::move(applicationPath)) {
+KVXMain::KVXMain(const PanelContext& context, SerialLink& link, frmSim& sim, std::string applicationPath)
+    : context_(context),
+      link_(link),
+      sim_(sim),
+      sendFile_(context, link),
+      applicationPath_(std::move(applicationPath)) {
   context_.EndSession = [this] { EndSession(); };
 }
 
@@ -55,7 +60,7 @@ void KVXMain::Main() {
   auto& session = context_.session;
   session.sessionOver = false;
   session.PanelCommand = 0;
-  session.AppDir = applicationPath_ + "\\";
+  EnterAppDir();
   FillPanelList();
   context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
   bool ask = context_.comSet.cbxDontShow.Value() == 0;
@@ -72,9 +77,15 @@ void KVXMain::Main() {
   }
 }
 
+bool KVXMain::Send(const std::string& fileName) {
+  EnterAppDir();
+  return sendFile_.Send(fileName);
+}
+
 void KVXMain::FillPanelList() {
   if (!panelList_.empty()) return;
   panelList_.push_back({"frm5", [this] { return std::make_unique<frm5>(context_); }});
+  panelList_.push_back({"frm5Chart", [this] { return std::make_unique<frm5Chart>(context_); }});
 }
 
 void KVXMain::AskForSettings() {
@@ -83,6 +94,7 @@ void KVXMain::AskForSettings() {
   dialog.Show();
   while (dialog.form.Visible() && !context_.session.processOver) {
     context_.machine.pump.Wait(std::chrono::microseconds::max());
+    if (dialog.TakeSendRequest()) sendFile_.Run();
   }
 }
 
@@ -100,12 +112,7 @@ KVXMain::Outcome KVXMain::Start() {
 }
 
 KVXMain::Outcome KVXMain::ConnectSensor() {
-  auto& dialog = context_.comSet;
-  auto& session = context_.session;
-  if (dialog.optStartMode[frmComSet::singleSensor].Value() == 1) session.SensorId = kBroadcastId;
-  if (dialog.optStartMode[frmComSet::networkSensor].Value() == 1) {
-    session.SensorId = ParseNumber(dialog.txbID.Text());
-  }
+  TakeSensorId(context_.comSet, context_.session);
   context_.msg.ShowProgress("Please wait", true, nullptr);
   // A failed probe is told even when there is nothing to tell.
   if (!link_.ProbePort(kProbeSeconds)) return Outcome::failedAndTold;
@@ -113,7 +120,7 @@ KVXMain::Outcome KVXMain::ConnectSensor() {
 }
 
 bool KVXMain::ReadPartNumber() {
-  if (context_.comSet.optComProt[frmComSet::kiBus].Value() == 1) {
+  if (SpeaksKiBus(context_.comSet)) {
     return context_.com.ReadSensorMemory(0, 65, 1, false, false);
   }
   // No sensor that this release has a panel for speaks Modbus.
@@ -134,7 +141,7 @@ KVXMain::Outcome KVXMain::LoadSimulation() {
   }
   const auto name = session.AppDir + (choice == "Last" ? "\\Last.set" : "\\" + choice + ".sim");
   std::uint8_t block = snsFil::first;
-  return file_.ReadSetBlock(name, block, true, true) ? Outcome::started : Outcome::failed;
+  return context_.file.ReadSetBlock(name, block, true, true) ? Outcome::started : Outcome::failed;
 }
 
 /// Once per process.
@@ -215,6 +222,7 @@ void KVXMain::EndSession() {
     SaveLastSettings();
     panel->form.Hide();
   }
+  context_.curve.form.Hide();
   link_.Close();
   context_.msg.ShowProgress("", true, nullptr);
   if (context_.comSet.cbxDontShow.Value() == 1) session.processOver = true;
@@ -223,9 +231,9 @@ void KVXMain::EndSession() {
 /// A platform without a settings block leaves no file behind, not even the old one.
 void KVXMain::SaveLastSettings() {
   const auto name = context_.session.AppDir + "\\last.set";
-  std::uint8_t block = file_.BlockOfPlatform();
+  std::uint8_t block = context_.file.BlockOfPlatform();
   if (block != snsFil::first) {
-    file_.SaveSettings(block, name, 1, false, true);
+    context_.file.SaveSettings(block, name, 1, false, true);
     return;
   }
   try {

@@ -7,14 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "comm/snscom.h"
-#include "knowledge/SnsInfo.h"
-#include "knowledge/definitions.h"
-#include "knowledge/snsFil.h"
+#include "app/SendFile.h"
+#include "comm/SerialLink.h"
 #include "panels/PanelFrame.h"
-#include "platform/machine.h"
-#include "shell/frmComSet.h"
-#include "shell/frmMsg.h"
 #include "shell/frmSim.h"
 #include "shell/panel.h"
 #include "shell/session.h"
@@ -30,8 +25,7 @@ class KVXMain {
     std::function<std::unique_ptr<Panel>()> make;
   };
 
-  KVXMain(const PanelContext& context, SerialLink& link, snsFil& file, frmSim& sim,
-          std::string applicationPath);
+  KVXMain(const PanelContext& context, SerialLink& link, frmSim& sim, std::string applicationPath);
 
   /// Takes the program from nothing to a panel on the screen; returns with the panel shown, or with the
   /// process over.
@@ -40,11 +34,14 @@ class KVXMain {
   void EndSession();
 
   const std::vector<PanelEntry>& PanelList() const { return panelList_; }
+  /// Sends a settings file as the dialog does, by what the dialog shows. False: the reason is in LastError.
+  bool Send(const std::string& fileName);
 
  private:
   /// What became of an attempt to start a session.
   enum class Outcome { started, failed, failedAndTold };
 
+  void EnterAppDir() { context_.session.AppDir = applicationPath_ + "\\"; }
   void FillPanelList();
   void AskForSettings();
   Outcome Start();
@@ -61,8 +58,8 @@ class KVXMain {
 
   PanelContext context_;
   SerialLink& link_;
-  snsFil& file_;
   frmSim& sim_;
+  SendFile sendFile_;
   std::string applicationPath_;
   std::vector<PanelEntry> panelList_;
   std::unique_ptr<Panel> panel_;

@@ -16,14 +16,30 @@ Program::Program(const Machine& machine, const std::string& applicationPath)
     : link(session, machine),
       com(session, image, link, machine),
       definitions(session, image, com, machine),
-      file(session, image, com, machine),
       info(session, image, com, definitions, machine),
+      table(session, image, com, definitions, info),
+      file(session, image, com, info, table, machine),
+      cal(session, image, link, com, info, table, machine),
       msg(session, machine.pump, screen),
       comSet(session, machine, screen),
       sim(session, screen),
       spanNote(session, screen),
-      main({machine, session, screen, image, com, info, definitions, msg, comSet, {}}, link, file, sim,
-           WithoutTrailingSeparator(applicationPath)) {}
+      calCurve(info, screen),
+      main({machine,
+            session,
+            screen,
+            image,
+            com,
+            info,
+            definitions,
+            file,
+            cal,
+            msg,
+            comSet,
+            spanNote,
+            calCurve,
+            {}},
+           link, sim, WithoutTrailingSeparator(applicationPath)) {}
 
 void Program::Run() {
   while (!session.processOver) {

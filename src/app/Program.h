@@ -4,10 +4,13 @@
 #include <string>
 
 #include "app/KVXMain.h"
+#include "calibration/frmCalCurve.h"
+#include "calibration/snsCal.h"
 #include "comm/SensorImage.h"
 #include "comm/SerialLink.h"
 #include "comm/snscom.h"
 #include "knowledge/SnsInfo.h"
+#include "knowledge/Table.h"
 #include "knowledge/definitions.h"
 #include "knowledge/snsFil.h"
 #include "platform/machine.h"
@@ -36,12 +39,15 @@ struct Program {
   SerialLink link;
   snscom com;
   Definitions definitions;
-  snsFil file;
   SnsInfo info;
+  Table table;
+  snsFil file;
+  snsCal cal;
   frmMsg msg;
   frmComSet comSet;
   frmSim sim;
   frmSpanCalNote spanNote;
+  frmCalCurve calCurve;
   KVXMain main;
 };
 

@@ -7,6 +7,7 @@
 #include "console/command_line.h"
 #include "console/identify_command.h"
 #include "console/run_command.h"
+#include "console/send_command.h"
 #include "console/show_command.h"
 #include "console/watch_command.h"
 
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
   brelant::AddIdentifyCommand(line);
   brelant::AddShowCommand(line);
   brelant::AddWatchCommand(line);
+  brelant::AddSendCommand(line);
   try {
     line.app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

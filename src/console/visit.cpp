@@ -71,15 +71,25 @@ bool Visit::Pass() {
   return true;
 }
 
+bool Visit::Send(const std::string& fileName) {
+  FillDialog();
+  return program_.main.Send(fileName);
+}
+
 /// What a person does in the dialog.
 void Visit::Start() {
+  FillDialog();
+  started_ = true;
+  program_.comSet.form.Click(program_.comSet.btnStartKVX);
+}
+
+void Visit::FillDialog() {
   auto& dialog = program_.comSet;
   dialog.txbComPort.SetText(options_.port);
-  dialog.form.Click(dialog.optStartMode[connection_.id ? frmComSet::networkSensor : frmComSet::singleSensor]);
+  dialog.form.Select(
+      dialog.optStartMode[connection_.id ? frmComSet::networkSensor : frmComSet::singleSensor]);
   if (connection_.id) dialog.txbID.SetText(std::to_string(*connection_.id));
-  dialog.form.Click(dialog.optComProt[connection_.modbus ? frmComSet::modBus : frmComSet::kiBus]);
-  started_ = true;
-  dialog.form.Click(dialog.btnStartKVX);
+  dialog.form.Select(dialog.optComProt[connection_.modbus ? frmComSet::modBus : frmComSet::kiBus]);
 }
 
 void Visit::Fail() {

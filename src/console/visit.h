@@ -36,6 +36,8 @@ class Visit {
   int OpenPanel(std::function<bool(const Panel&)> onPoll);
   /// Probes the port and reads the part number, and no more. On failure the reason is in LastError.
   bool FindSensor();
+  /// Sends a settings file. On failure the reason is in LastError.
+  bool Send(const std::string& fileName);
   /// Ends the visit from inside a pump pass.
   void End() { program_.session.processOver = true; }
 
@@ -44,6 +46,7 @@ class Visit {
  private:
   Machine machine();
   bool Pass();
+  void FillDialog();
   void Start();
   void Fail();
 

@@ -18,9 +18,17 @@ constexpr const char* kSimulatedTitle = "KVX3.0 Simulated mode";
 
 }  // namespace
 
-PanelFrame::PanelFrame(const PanelContext& context, const std::string& name,
-                       const std::string& simulatedCaption)
-    : Panel(context.screen, name), context_(context) {
+PanelFrame::PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions)
+    : Panel(context.screen, name, captions.optionsMenu),
+      context_(context),
+      CalTemp(form.AddMenu("mCalibrate", "CalTemp", captions.temperatureEntry)),
+      mCalCO2(form.AddMenu("mCalibrate", "mCalCO2", captions.singlePointEntry)),
+      mCalCO2Zero(form.AddMenu("mCalCO2", "mCalCO2Zero", "Zero")),
+      mCalCO2Background(form.AddMenu("mCalCO2", "mCalCO2Background", "Fresh air")),
+      mCalCO2Other(form.AddMenu("mCalCO2", "mCalCO2Other", "Other")),
+      mCalCO2span(form.AddMenu("mCalibrate", "mCalCO2span", "CO2 span")),
+      mCalCurve(form.AddMenu("mCalibrate", "mCalCurve", "Calibration curve")),
+      calibratingTemperature_(captions.calibratingTemperature) {
   const auto command = [this](Command code) { return [this, code] { Request(code); }; };
   btnReadFromSensor.onClick = mReadfromsensor.onClick = command(readSensor);
   btnSendToSensor.onClick = mSendtosensor.onClick = command(writeSensor);
@@ -28,10 +36,21 @@ PanelFrame::PanelFrame(const PanelContext& context, const std::string& name,
   mSavesettings.onClick = command(saveSettings);
   mTWAreset.onClick = command(resetTWA);
   mExit.onClick = command(exitPanel);
+  mCalCO2Zero.onClick = command(calibrateCO2Zero);
+  mCalCO2Background.onClick = command(calibrateCO2Background);
+  mCalCO2Other.onClick = command(calibrateCO2Other);
+  // These two ask before they do anything: no box may stand in front of the question.
+  const auto question = [this](Command code) {
+    return [this, code] { context_.session.PanelCommand = code; };
+  };
+  CalTemp.onClick = question(calibrateTempZero);
+  mCalCO2span.onClick = question(calibrateCO2Span);
+  mCalCurve.SetEnabled(false);
+  mCalCurve.onClick = [this] { context_.curve.form.Show(); };
   mComSet.onClick = [this] { ToggleComSet(); };
   mHelp.onClick = [this] { OpenHelp(); };
   form.onClose = [this] { context_.EndSession(); };
-  cbxSimulated.SetText(simulatedCaption);
+  cbxSimulated.SetText(captions.simulated);
   cbxSimulated.onClick = [this] { SimMode(Simulated()); };
 }
 
@@ -47,7 +66,9 @@ void PanelFrame::PanelLoop() {
     if (context_.session.Over()) break;
     if (Simulated()) {
       SimulatedPass();
+      simulated_ = form.Revision();
     } else {
+      simulated_.reset();
       PollWhenDue(lastPoll);
     }
   }
@@ -58,7 +79,8 @@ void PanelFrame::PanelLoop() {
 void PanelFrame::LetEventsRun(double lastPoll) {
   auto& clock = context_.machine.clock;
   auto& pump = context_.machine.pump;
-  if (context_.session.PanelCommand != 0) {
+  const bool unsimulated = Simulated() && simulated_ != form.Revision();
+  if (context_.session.PanelCommand != 0 || unsimulated) {
     pump.DoEvents();
     return;
   }
@@ -101,12 +123,68 @@ bool PanelFrame::RunAction(int command) {
       context_.EndSession();
       return true;
     case loadSettings:
+      return ActionSettingsLoad();
     case saveSettings:
-      context_.session.Fail("This command comes with a later release.");
-      return false;
+      return ActionSettingsSave();
+    case calibrateTempZero:
+      return ActionCalTempZero();
+    case calibrateCO2Zero:
+      return ActionCalCO2Zero(snsCal::zeroGas);
+    case calibrateCO2Background:
+      return ActionCalCO2Zero(snsCal::freshAir);
+    case calibrateCO2Other:
+      return ActionCalCO2Zero(snsCal::otherGas);
+    case calibrateCO2Span:
+      return ActionCalCO2span();
     default:
       return true;
   }
+}
+
+std::optional<std::string> PanelFrame::AskForFile(UserInterface::FileUse use, const std::string& text) {
+  auto name = context_.machine.userInterface.FileDialog(use, "(*.Set)|*.Set");
+  if (!name || name->empty()) return {};
+  ShowProgress(text, false);
+  return name;
+}
+
+std::optional<std::string> PanelFrame::Ask(const std::string& prompt) {
+  auto answer = context_.machine.userInterface.InputBox(prompt);
+  return answer && !answer->empty() ? answer : std::nullopt;
+}
+
+bool PanelFrame::ActionCalTempZero() {
+  const auto text = Ask("Please enter correct temperature");
+  if (!text) return true;
+  ShowProgress(calibratingTemperature_, false);
+  return Calibrated(context_.cal.CalibrateTemperature(ParseNumber(*text), snsCal::kPlatformChannel, false));
+}
+
+bool PanelFrame::ActionCalCO2Zero(int kind) {
+  std::optional<std::string> text;
+  if (kind == snsCal::otherGas) {
+    text = Ask("Please enter CO2 concentration");
+    if (!text) return true;
+  }
+  ShowProgress("Calibrating CO2 zero point", false);
+  return Calibrated(context_.cal.CalibrateCO2Zero(snsCal::kPlatformChannel, false, kind, text.value_or("")));
+}
+
+bool PanelFrame::ActionCalCO2span() {
+  context_.spanNote.ShowModal(context_.machine.pump);
+  if (!context_.session.LastError.empty() || context_.session.Over()) return true;
+  const auto text = Ask("Please enter span gas concentration");
+  if (!text) return true;
+  ShowProgress("Calibrating CO2 span", false);
+  return Calibrated(CalibrateSpan(*text));
+}
+
+bool PanelFrame::Calibrated(bool done) {
+  const auto& change = context_.cal.LastChange();
+  if (!done || !change) return done;
+  context_.curve.Take(*change);
+  mCalCurve.SetEnabled(true);
+  return true;
 }
 
 void PanelFrame::PollWhenDue(double& lastPoll) {

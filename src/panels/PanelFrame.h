@@ -5,14 +5,18 @@
 #include <optional>
 #include <string>
 
+#include "calibration/frmCalCurve.h"
+#include "calibration/snsCal.h"
 #include "comm/SensorImage.h"
 #include "comm/snscom.h"
 #include "knowledge/SnsInfo.h"
 #include "knowledge/definitions.h"
+#include "knowledge/snsFil.h"
 #include "platform/machine.h"
 #include "shell/form.h"
 #include "shell/frmComSet.h"
 #include "shell/frmMsg.h"
+#include "shell/frmSpanCalNote.h"
 #include "shell/panel.h"
 #include "shell/session.h"
 
@@ -38,8 +42,12 @@ struct PanelContext {
   snscom& com;
   SnsInfo& info;
   Definitions& definitions;
+  snsFil& file;
+  snsCal& cal;
   frmMsg& msg;
   frmComSet& comSet;
+  frmSpanCalNote& spanNote;
+  frmCalCurve& curve;
   /// Ends the session of the panel (docs/architecture.md, One thread, one pump).
   std::function<void()> EndSession;
 };
@@ -66,7 +74,16 @@ class PanelFrame : public Panel {
     vavMin = 16
   };
 
-  PanelFrame(const PanelContext& context, const std::string& name, const std::string& simulatedCaption);
+  /// What is not the same on all panels.
+  struct Captions {
+    std::string simulated;
+    std::string calibratingTemperature;
+    std::string temperatureEntry;
+    std::string singlePointEntry;
+    std::string optionsMenu = "mOptions";
+  };
+
+  PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions);
 
   void PanelLoop() override;
   void SimMode(bool on) override;
@@ -81,6 +98,13 @@ class PanelFrame : public Panel {
   /// Sends all settings.
   virtual bool ActionSensorWrite() = 0;
   virtual bool ActionTWAReset() = 0;
+  virtual bool ActionSettingsLoad() = 0;
+  virtual bool ActionSettingsSave() = 0;
+  /// Ask for what the procedure needs and run it; an answer that is cancelled or empty ends them with true.
+  bool ActionCalTempZero();
+  /// `kind` of snsCal::ZeroKind.
+  bool ActionCalCO2Zero(int kind);
+  bool ActionCalCO2span();
   /// One pass of the offline model.
   virtual void Simulate() = 0;
 
@@ -100,6 +124,10 @@ class PanelFrame : public Panel {
   void ShowProgress(const std::string& text, bool hideBar);
   /// Makes a command pending, behind the box that guards the panel until the loop takes it.
   void Request(Command command);
+  /// Runs the span calibration with the text that the user typed.
+  virtual bool CalibrateSpan(const std::string& text) = 0;
+  /// The name of a settings file, asked for; nothing if there is none. `text` is then shown as progress.
+  std::optional<std::string> AskForFile(UserInterface::FileUse use, const std::string& text);
 
   /// Gives a field the edit rules. `check` runs first when the field is left, `store` after it.
   void MakeEditable(Control& field, std::function<void()> check, std::function<void()> store);
@@ -113,16 +141,30 @@ class PanelFrame : public Panel {
   static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
 
   PanelContext context_;
+  Control& CalTemp;
+  Control& mCalCO2;
+  Control& mCalCO2Zero;
+  Control& mCalCO2Background;
+  Control& mCalCO2Other;
+  Control& mCalCO2span;
+  /// The view of what the last calibration did.
+  Control& mCalCurve;
   Control* PopupTarget = nullptr;
 
  private:
   void LetEventsRun(double lastPoll);
   void RunCommand();
   void PollWhenDue(double& lastPoll);
+  std::optional<std::string> Ask(const std::string& prompt);
+  /// Keeps what a procedure did for the view.
+  bool Calibrated(bool done);
   void ToggleComSet();
   void OpenHelp();
 
+  std::string calibratingTemperature_;
   bool running_ = false;
+  /// Revision of the form behind the last simulated pass.
+  std::optional<std::uint64_t> simulated_;
 };
 
 }  // namespace brelant

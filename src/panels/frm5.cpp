@@ -14,7 +14,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-constexpr int kDisplayMode = 31;
 constexpr int kShiftAmount = 32;
 constexpr int kOutputKind = 57;
 constexpr int kFunctionBase = 162;
@@ -24,9 +23,7 @@ constexpr int kTriggerLevel = 188;
 constexpr int kOutputBase = 189;
 constexpr int kOutputSize = 4;
 constexpr int kOutputWord = 197;
-constexpr int kTypeOverride = 205;
 constexpr int kShiftChannel = 207;
-constexpr int kId = 208;
 constexpr int kLiveWord = 20;
 
 constexpr int kFlag = 128;
@@ -39,12 +36,10 @@ constexpr int kShiftMost = 31;
 constexpr float kShiftStep = 250;
 constexpr float kFullOutput = 16384;
 constexpr float kZeroBaseLine = 32768;
-constexpr float kHighestId = 29;
 constexpr float kLeastIntTime = 2;
 constexpr std::uint8_t kTWAPart = 231;
 
 constexpr int kSettingsBlock = 6;
-constexpr int kWholeRam = 8;
 
 int FunctionRecord(int function) {
   return kFunctionBase + kFunctionSize * function;
@@ -61,17 +56,10 @@ std::string CaptionAt(const ControlArray& menu, int index) {
   return index < menu.Count() ? menu[index].Text() : std::string();
 }
 
-bool IsTemperature(const std::string& unit) {
-  return unit == "C" || unit == "F";
-}
-
 }  // namespace
 
 frm5::frm5(const PanelContext& context)
-    : PanelFrame(context, "frm5", "Simulated"),
-      txbSN(form.Add(ControlKind::text, "txbSN")),
-      txbID(form.Add(ControlKind::text, "txbID")),
-      lblDisplayMode(form.Add(ControlKind::label, "lblDisplayMode")),
+    : Panel5(context, "frm5", {"Simulated", "Calibrating temperature", "Temp", "CO2 single point"}),
       lblShiftb(form.Add(ControlKind::label, "lblShiftb")),
       txbShiftBamount(form.Add(ControlKind::text, "txbShiftBamount")),
       lblShiftb_Type(form.Add(ControlKind::label, "lblShiftb_Type")),
@@ -106,11 +94,6 @@ frm5::frm5(const PanelContext& context)
       btnDigTrig(form.Add(ControlKind::button, "btnDigTrig", "Trigger")),
       mChannels(form.AddMenu("", "mChannels", "Channels")),
       mCHannel(form.AddArray(ControlKind::menu, "mCHannel", 5)),
-      mDisplayModes(form.AddMenu("", "mDisplayModes", "Display modes")),
-      mDisplayMode(form.AddArray(ControlKind::menu, "mDisplayMode", 5)),
-      mTempUnit(form.AddMenu("", "mTempUnit", "Temperature unit")),
-      mTempUnitCelsius(form.AddMenu("mTempUnit", "mTempUnitCelsius", "C")),
-      mTempUnitFarenheit(form.AddMenu("mTempUnit", "mTempUnitFarenheit", "F")),
       mTimeUnits(form.AddMenu("", "mTimeUnits", "Time unit")),
       mTimeUnitMin(form.AddMenu("mTimeUnits", "mTimeUnitMin", "Min")),
       mTimeUnitSec(form.AddMenu("mTimeUnits", "mTimeUnitSec", "Sec")),
@@ -129,29 +112,16 @@ frm5::Labels frm5::AddOutputLabels(const std::array<int, 4>& indexes) {
 }
 
 void frm5::SetMenus() {
-  for (auto* menu : {&mChannels, &mDisplayModes, &mTempUnit, &mTimeUnits}) menu->SetVisible(false);
+  for (auto* menu : {&mChannels, &mTimeUnits}) menu->SetVisible(false);
   for (auto* entry : mCHannel) entry->parent = mChannels.Name();
-  for (int i = 0; i < mDisplayMode.Count(); ++i) {
-    mDisplayMode[i].parent = mDisplayModes.Name();
-    mDisplayMode[i].SetText("Mode " + std::to_string(i));
-  }
 }
 
 void frm5::SetRules() {
-  const auto never = [] { return false; };
-  txbSN.editable = never;
-  for (auto* field : txbOutOut) field->editable = never;
+  for (auto* field : txbOutOut) field->editable = [] { return false; };
   for (auto* field : txbCHact) {
     field->editable = [this] { return Simulated(); };
     MakeEditable(*field);
   }
-  MakeEditable(
-      txbID,
-      [this] {
-        const float id = ParseNumber(txbID.Text());
-        txbID.SetText(NumberText(id > kHighestId ? kHighestId : id));
-      },
-      nullptr);
   MakeEditable(txbShiftBamount);
   MakeEditable(txbDigTtime);
   MakeEditable(txbDigTlevel);
@@ -178,10 +148,10 @@ void frm5::SetRules() {
     cbxFout1[i].onClick = cbxFout2[i].onClick = [this] { Restore(); };
   }
   cbxDigTout1.onClick = cbxDigTout2.onClick = [this] { Restore(); };
-  lblDisplayMode.onClick = [this] { ChooseAndStore(lblDisplayMode, mDisplayMode); };
   lblDigTunit.onClick = [this] { ChooseAndStore(lblDigTunit, ControlArray({&mTimeUnitMin, &mTimeUnitSec})); };
   lblShiftb.onClick = [this] { ChooseShiftChannel(); };
-  for (int i = 0; i < lblCH_Type.Count(); ++i) lblCH_Type[i].onClick = [this, i] { ChooseTempUnit(i); };
+  for (int i = 0; i < lblCH_Type.Count(); ++i)
+    lblCH_Type[i].onClick = [this, i] { ChooseTempUnit(lblCH_Type[i], i == 0); };
   pctDigTPsign.onClick = [this] {
     txbDigTlevel.SetText("-" + txbDigTlevel.Text());
     ShowDigitalTriggerSign(true);
@@ -194,10 +164,6 @@ void frm5::SetRules() {
   linDigTNsign.SetVisible(false);
   btnDigTrig.SetVisible(false);
   btnDigTrig.onClick = [this] { StartTrigger(); };
-  mExit.onClick = [this] {
-    context_.session.LastError = kCancelled;
-    context_.EndSession();
-  };
 }
 
 // Filling the form
@@ -224,7 +190,7 @@ bool frm5::FormUpdateInit() {
 }
 
 bool frm5::FormUpdate() {
-  txbSN.SetText(context_.info.GetSensorIdentity());
+  UpdateIdentity();
   UpdateGeneral();
   for (int j = 0; j < kOutputs; ++j) UpdateOutput(j);
   for (int i = 0; i < kFunctions; ++i) UpdateFunction(i);
@@ -234,8 +200,6 @@ bool frm5::FormUpdate() {
 }
 
 void frm5::UpdateGeneral() {
-  txbID.SetText(NumberText(Ram(kId)));
-  lblDisplayMode.SetText(CaptionAt(mDisplayMode, Bits(Ram(kDisplayMode))));
   for (int k = 0; k < lblCH_Type.Count(); ++k) {
     const auto unit = context_.info.GetChannelUnit(static_cast<float>(k));
     lblCH_Type[k].SetText(unit);
@@ -331,7 +295,7 @@ bool frm5::FormRead() {
   std::array<float, kOutputs> exponents{};
   // Before anything is written: a form that cannot be taken whole leaves the image alone.
   if (!ReadExponents(exponents)) return false;
-  ReadGeneral();
+  ReadIdentity();
   ReadShift();
   for (int i = 0; i < kFunctions; ++i) ReadFunction(i);
   for (int j = 0; j < kOutputs; ++j) ReadOutput(j, exponents.at(static_cast<std::size_t>(j)));
@@ -349,13 +313,6 @@ bool frm5::ReadExponents(std::array<float, kOutputs>& exponents) {
     exponents.at(static_cast<std::size_t>(j)) = static_cast<float>(Fix(std::log2(time)) - 1);
   }
   return true;
-}
-
-void frm5::ReadGeneral() {
-  Ram(kId) = ParseNumber(txbID.Text());
-  if (const auto mode = FindCaption(mDisplayMode, mDisplayMode.Count(), lblDisplayMode.Text())) {
-    Ram(kDisplayMode) = static_cast<float>(*mode);
-  }
 }
 
 void frm5::ReadShift() {
@@ -416,13 +373,6 @@ void frm5::ReadTrigger() {
 
 // The user's choices
 
-void frm5::ChooseTempUnit(int index) {
-  FormRead();
-  PopUp(lblCH_Type[index], ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}));
-  if (index == 0) Ram(kTypeOverride) = lblCH_Type[0].Text() == mTempUnitFarenheit.Text() ? 32 : 16;
-  FormUpdate();
-}
-
 void frm5::ChooseFunctionChannel(int function) {
   FormRead();
   PopUp(lblFchannel[function], mCHannel);
@@ -440,11 +390,6 @@ void frm5::ChooseShiftChannel() {
   FormUpdate();
 }
 
-void frm5::ChooseAndStore(Control& label, const ControlArray& menu) {
-  PopUp(label, menu);
-  Restore();
-}
-
 // The sensor
 
 bool frm5::ActionSensorReadM() {
@@ -452,17 +397,6 @@ bool frm5::ActionSensorReadM() {
     return context_.com.ReadSensorMemory(0, address, count, false, true);
   };
   return read(14, 1) && read(kLiveWord, 8) && read(kOutputWord, 4) && FormUpdateM();
-}
-
-bool frm5::ActionSensorRead() {
-  ShowProgress("Reading from sensor", false);
-  // Keeps the poll away while the image is empty; a failed read leaves it so.
-  cbxSimulated.SetValue(1);
-  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
-  if (!context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false)) return false;
-  cbxSimulated.SetValue(0);
-  // The gas tables went with the image.
-  return context_.definitions.LoadDefinition() && FormUpdate();
 }
 
 bool frm5::ActionSensorWrite() {
@@ -480,8 +414,7 @@ bool frm5::ActionTWAReset() {
 // The offline model
 
 void frm5::SimMode(bool on) {
-  PanelFrame::SimMode(on);
-  mTWAreset.SetEnabled(!on);
+  Panel5::SimMode(on);
   btnDigTrig.SetVisible(on);
 }
 

@@ -7,13 +7,13 @@
 #include <string>
 
 #include "panels/FunctionBlocks.h"
-#include "panels/PanelFrame.h"
+#include "panels/Panel5.h"
 
 namespace brelant {
 
 /// The panel of platform 5 transmitters with two outputs driven by a network of five functions. All settings
 /// live in RamImage (docs/memory-maps.md, Platform 5).
-class frm5 : public PanelFrame {
+class frm5 : public Panel5 {
  public:
   static constexpr int kChannels = 4;
   static constexpr int kFunctions = 5;
@@ -26,16 +26,12 @@ class frm5 : public PanelFrame {
   bool FormRead() override;
   bool FormUpdateM() override;
   bool ActionSensorReadM() override;
-  bool ActionSensorRead() override;
   bool ActionSensorWrite() override;
   bool ActionTWAReset() override;
   void SimMode(bool on) override;
   void Simulate() override;
   std::vector<LiveValue> LiveValues() const override;
 
-  Control& txbSN;
-  Control& txbID;
-  Control& lblDisplayMode;
   Control& lblShiftb;
   Control& txbShiftBamount;
   Control& lblShiftb_Type;
@@ -74,11 +70,6 @@ class frm5 : public PanelFrame {
 
   Control& mChannels;
   ControlArray mCHannel;
-  Control& mDisplayModes;
-  ControlArray mDisplayMode;
-  Control& mTempUnit;
-  Control& mTempUnitCelsius;
-  Control& mTempUnitFarenheit;
   Control& mTimeUnits;
   Control& mTimeUnitMin;
   Control& mTimeUnitSec;
@@ -99,7 +90,6 @@ class frm5 : public PanelFrame {
   void SetMenus();
   Labels AddOutputLabels(const std::array<int, 4>& indexes);
 
-  float& Ram(int address) { return context_.image.RamImage.at(static_cast<std::size_t>(address)); }
   float ShiftChannel();
   bool FeedsOutput(int function, int output) const;
   FunctionClass ClassOf(int function) const;
@@ -109,17 +99,14 @@ class frm5 : public PanelFrame {
   void UpdateOutput(int output);
   void UpdateTrigger();
   bool ReadExponents(std::array<float, kOutputs>& exponents);
-  void ReadGeneral();
   void ReadShift();
   void ReadFunction(int function);
   void ReadOutput(int output, float exponent);
   void ReadTrigger();
   void ShowDigitalTriggerSign(bool negative);
 
-  void ChooseTempUnit(int index);
   void ChooseFunctionChannel(int function);
   void ChooseShiftChannel();
-  void ChooseAndStore(Control& label, const ControlArray& menu);
 
   double OutputSum(int output) const;
   double FunctionSum(int output, double sum) const;

@@ -137,7 +137,12 @@ void Form::ShowModal(Pump& pump, const std::function<bool()>& over) {
 }
 
 bool Form::Reachable(const Control& control) const {
-  return control.Visible() && control.Enabled();
+  if (!control.Visible() || !control.Enabled()) return false;
+  // The menu of an entry must open; one that is only popped up is hidden, but its entries can be chosen.
+  const auto menu = std::find_if(controls_.begin(), controls_.end(), [&](const Control& candidate) {
+    return !control.parent.empty() && candidate.Name() == control.parent;
+  });
+  return menu == controls_.end() || (menu->Enabled() && (menu->parent.empty() || Reachable(*menu)));
 }
 
 bool Form::GainFocus(Control& control) {

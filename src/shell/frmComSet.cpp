@@ -53,8 +53,8 @@ frmComSet::frmComSet(Session& session, const Machine& machine, Screen& screen)
     if (cbxLoggcom.Value() == 1) session_.TrafficLogOn = true;
   };
   Command5.onClick = [this] { ChooseFile(); };
-  cmdSendFile.SetEnabled(false);
-  cmdSendFile.SetTip("Comes with a later release");
+  // Whoever waits for the dialog carries it out: a handler does not talk to the sensor.
+  cmdSendFile.onClick = [this] { sendRequested_ = true; };
   btnHelp.onClick = [this] { machine_.userInterface.ShellOpen(session_.AppDir + "\\helpComSet.html"); };
   btnStartKVX.onClick = [this] { Start(); };
   btnExit.onClick = [this] { Exit(); };
@@ -105,7 +105,9 @@ void frmComSet::PortChanged() {
 
 void frmComSet::ChooseFile() {
   const auto name = machine_.userInterface.FileDialog(UserInterface::FileUse::open, "(*.Set)|*.Set");
-  if (name) txbFileName.SetText(*name);
+  if (!name) return;
+  chosenFile_ = *name;
+  txbFileName.SetText(*name);
 }
 
 void frmComSet::Start() {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/machine.h"
 #include "shell/form.h"
@@ -22,6 +24,10 @@ class frmComSet {
   void Show();
   /// Ends the process as the dialog's close button does.
   void Exit();
+  /// The name chosen in the file dialog last, empty before that.
+  const std::string& ChosenFile() const { return chosenFile_; }
+  /// The user wants the file sent: true once after each click.
+  bool TakeSendRequest() { return std::exchange(sendRequested_, false); }
 
   Form form;
   Control& Label1;
@@ -53,6 +59,8 @@ class frmComSet {
   Session& session_;
   Machine machine_;
   std::vector<SerialPort::Description> ports_;
+  std::string chosenFile_;
+  bool sendRequested_ = false;
 };
 
 }  // namespace brelant

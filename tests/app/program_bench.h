@@ -156,7 +156,7 @@ class ProgramBench {
   std::function<void()> Default(Form& form) {
     if (form.Name() == "frmComSet") return [this] { Click("frmComSet", "btnExit"); };
     if (form.Name() == "frmSim") return [this] { Click("frmSim", "Command2"); };
-    if (form.Name() == "frm5") return [&form] { form.Close(); };
+    if (form.Name().starts_with("frm5")) return [&form] { form.Close(); };
     return {};
   }
 

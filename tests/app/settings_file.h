@@ -8,16 +8,23 @@
 
 namespace brelant::test {
 
-/// A settings file of one block (docs/memory-maps.md, Settings files), put together here and nowhere else.
-inline std::vector<std::uint8_t> SettingsFile(int type, const std::vector<std::uint8_t>& payload) {
+struct SettingsBlock {
+  int type;
+  std::vector<std::uint8_t> payload;
+};
+
+/// A settings file (docs/memory-maps.md, Settings files), put together here and nowhere else.
+inline std::vector<std::uint8_t> SettingsFile(const std::vector<SettingsBlock>& blocks) {
   std::vector<std::uint8_t> file(17);
   const auto low = [](std::size_t value) { return static_cast<std::uint8_t>(value % 256); };
   const auto high = [](std::size_t value) { return static_cast<std::uint8_t>(value / 256 % 256); };
-  file.push_back(static_cast<std::uint8_t>(type));
-  file.push_back(0);
-  file.push_back(low(payload.size()));
-  file.push_back(high(payload.size()));
-  file.insert(file.end(), payload.begin(), payload.end());
+  for (const auto& [type, payload] : blocks) {
+    file.push_back(static_cast<std::uint8_t>(type));
+    file.push_back(0);
+    file.push_back(low(payload.size()));
+    file.push_back(high(payload.size()));
+    file.insert(file.end(), payload.begin(), payload.end());
+  }
   std::size_t sum = 0;
   for (std::size_t i = 17; i < file.size(); ++i) sum += file[i];
   file[0] = 1;
@@ -25,8 +32,11 @@ inline std::vector<std::uint8_t> SettingsFile(int type, const std::vector<std::u
   file[2] = high(sum);
   file[3] = low(file.size() - 17);
   file[4] = high(file.size() - 17);
-  file[5] = 1;
+  file[5] = static_cast<std::uint8_t>(blocks.size());
   return file;
+}
+inline std::vector<std::uint8_t> SettingsFile(int type, const std::vector<std::uint8_t>& payload) {
+  return SettingsFile({{type, payload}});
 }
 
 /// The settings of a platform 5 sensor: RAM 0 to 111 and 128 to 255.

@@ -182,7 +182,7 @@ TEST_F(SimulatedStartTest, APlatformWithoutAPanel) {
 
 TEST_F(SimulatedStartTest, AVariantWithoutAPanel) {
   auto ram = SampleRam();
-  ram[226] = 2;
+  ram[226] = 4;
   PutSimulation("Room.sim", SettingsFile5(ram));
   bench.StartSimulated("Room");
   ExpectRefused({kUnknownSensor});

@@ -20,7 +20,8 @@ TEST_F(CommandLoopTest, ACodeRunsItsAction) {
     int code;
     const char* action;
   };
-  for (const auto& [code, action] : {Case{1, "read"}, Case{3, "write"}, Case{13, "TWA reset"}}) {
+  for (const auto& [code, action] :
+       {Case{1, "read"}, Case{3, "write"}, Case{4, "load"}, Case{5, "save"}, Case{13, "TWA reset"}}) {
     panel.acts.clear();
     session.PanelCommand = code;
     Run(seconds(1));

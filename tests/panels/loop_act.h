@@ -21,7 +21,9 @@ void RunLoop(PanelGround<Port>& ground, Panel& panel, std::chrono::microseconds 
 /// A panel that has nothing but the frame: its actions are written down and do what a test says.
 class BarePanel : public PanelFrame {
  public:
-  explicit BarePanel(const PanelContext& context) : PanelFrame(context, "frmBare", "Off line") {}
+  explicit BarePanel(const PanelContext& context)
+      : PanelFrame(context, "frmBare", {"Off line", "Calibrating temperature ", "Temp", "CO2 single point"}) {
+  }
 
   bool FormUpdateInit() override { return true; }
   bool FormUpdate() override { return true; }
@@ -31,6 +33,8 @@ class BarePanel : public PanelFrame {
   bool ActionSensorRead() override { return Act("read", onCommand); }
   bool ActionSensorWrite() override { return Act("write", onCommand); }
   bool ActionTWAReset() override { return Act("TWA reset", onCommand); }
+  bool ActionSettingsLoad() override { return Act("load", onCommand); }
+  bool ActionSettingsSave() override { return Act("save", onCommand); }
   void Simulate() override { ++simulations; }
   std::vector<LiveValue> LiveValues() const override { return {}; }
 
@@ -41,6 +45,7 @@ class BarePanel : public PanelFrame {
 
  protected:
   const ControlArray& LiveFields() const override { return fields_; }
+  bool CalibrateSpan(const std::string& text) override { return Act("span " + text, onCommand); }
 
  private:
   bool Act(const std::string& name, const std::function<bool()>& act) {

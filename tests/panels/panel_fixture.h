@@ -48,14 +48,31 @@ struct PanelGround : Bus<Port> {
   Screen screen;
   Definitions definitions{this->session, this->image, this->com, this->machine};
   SnsInfo info{this->session, this->image, this->com, definitions, this->machine};
+  Table table{this->session, this->image, this->com, definitions, info};
+  snsFil file{this->session, this->image, this->com, info, table, this->machine};
+  snsCal cal{this->session, this->image, this->link, this->com, info, table, this->machine};
   frmMsg msg{this->session, this->machine.pump, screen};
   frmComSet comSet{this->session, this->machine, screen};
+  frmSpanCalNote spanNote{this->session, screen};
+  frmCalCurve curve{info, screen};
   int sessionsEnded = 0;
-  PanelContext context{
-      this->machine, this->session, screen, this->image, this->com, info, definitions, msg, comSet, [this] {
-        ++sessionsEnded;
-        this->session.sessionOver = true;
-      }};
+  PanelContext context{this->machine,
+                       this->session,
+                       screen,
+                       this->image,
+                       this->com,
+                       info,
+                       definitions,
+                       file,
+                       cal,
+                       msg,
+                       comSet,
+                       spanNote,
+                       curve,
+                       [this] {
+                         ++sessionsEnded;
+                         this->session.sessionOver = true;
+                       }};
 };
 
 /// A person at a field.

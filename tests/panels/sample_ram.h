@@ -6,12 +6,21 @@
 #include <cstdint>
 #include <initializer_list>
 
+#include "comm/SensorImage.h"
+
 namespace brelant::test {
 
 using RamBytes = std::array<std::uint8_t, 256>;
 
 inline void Put(RamBytes& ram, std::size_t address, std::initializer_list<std::uint8_t> bytes) {
   for (const auto byte : bytes) ram.at(address++) = byte;
+}
+
+/// The RAM of an image that holds whole bytes.
+inline RamBytes RamOf(const SensorImage& image) {
+  RamBytes ram{};
+  for (std::size_t i = 0; i < ram.size(); ++i) ram[i] = static_cast<std::uint8_t>(image.RamImage.at(i));
+  return ram;
 }
 
 /// The RAM of a platform 5 sensor of part 104 whose settings all lie on the grain of their fields, so that a

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "app/SendFile.h"
+
+#include "app/connection.h"
+
+namespace brelant {
+
+namespace {
+
+constexpr std::int32_t kSettingsOf5 = 6;
+constexpr std::int32_t kWholeRam = 8;
+constexpr std::int32_t kWholeEeprom = 30;
+
+bool IsBlank(const std::string& text) {
+  return text.find_first_not_of(' ') == std::string::npos;
+}
+
+}  // namespace
+
+SendFile::SendFile(const PanelContext& context, SerialLink& link) : context_(context), link_(link) {}
+
+void SendFile::Run() {
+  auto& session = context_.session;
+  SendChosen();
+  if (session.Over()) return;
+  if (!session.LastError.empty() && session.LastError != kCancelled) {
+    context_.machine.userInterface.MessageBox(session.LastError, UserInterface::Buttons::ok, "",
+                                              UserInterface::Icon::none);
+  }
+  session.LastError.clear();
+  ShowProgress("", true);
+}
+
+/// The name counts that was chosen in the file dialog, not one typed by hand.
+bool SendFile::SendChosen() {
+  if (IsBlank(context_.comSet.txbFileName.Text())) {
+    context_.session.Fail("Please enter file name in the textbox.");
+    return false;
+  }
+  ShowProgress("Loading settings", true);
+  return Send(context_.comSet.ChosenFile());
+}
+
+bool SendFile::Send(const std::string& fileName) {
+  if (!SpeaksKiBus(context_.comSet)) {
+    // No sensor that this release can send to speaks Modbus.
+    context_.session.Fail("Can't read from sensor");
+    return false;
+  }
+  if (fileName.empty()) return true;
+  Connect();
+  // The platform comes from a byte that is fetched here.
+  if (context_.info.GetPartNumber() == 0 && !context_.session.LastError.empty()) return false;
+  const int platform = context_.info.GetPlatform();
+  return ReadSensor(platform) && context_.file.LoadSettings(fileName, 0) && WriteSensor(platform);
+}
+
+void SendFile::Connect() {
+  link_.SetCommPort(context_.comSet.txbComPort.Text());
+  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
+  TakeSensorId(context_.comSet, context_.session);
+}
+
+/// The sensor's own bytes, without which a file cannot be fitted to it.
+bool SendFile::ReadSensor(int platform) {
+  switch (platform) {
+    case 5:
+      return context_.definitions.LoadDefinition() && ReadImage(kWholeRam, false, 2);
+    case 6:
+      return ReadImage(kWholeEeprom, true, 5);
+    case 61:
+      return ReadImage(kWholeEeprom, true, 1);
+    default:
+      context_.session.LastError = kUnknownSensor;
+      return false;
+  }
+}
+
+bool SendFile::ReadImage(std::int32_t selector, bool isEeprom, float highestVariant) {
+  ShowProgress("Reading sensor", false);
+  if (!context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false)) return false;
+  const float variant = context_.info.GetProductVariant();
+  if (variant >= 0 && variant <= highestVariant) return true;
+  context_.session.LastError = kUnknownSensor;
+  return false;
+}
+
+bool SendFile::WriteSensor(int platform) {
+  ShowProgress("Saving to sensor", false);
+  if (platform == 5) {
+    return context_.com.WriteSensorMemory(kSettingsOf5, 0, 0, false, true, false, true, true, true);
+  }
+  return context_.com.WriteSensorMemory(kWholeEeprom, 0, 0, true, true, false, true, true, false);
+}
+
+void SendFile::ShowProgress(const std::string& text, bool hideBar) {
+  context_.msg.ShowProgress(text, hideBar, &context_.comSet.form);
+}
+
+}  // namespace brelant

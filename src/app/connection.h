@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "shell/frmComSet.h"
+#include "shell/session.h"
+
+namespace brelant {
+
+inline constexpr const char* kUnknownSensor = "Unknown sensor type, can't connect to sensor.";
+
+/// The protocol that the dialog chooses.
+bool SpeaksKiBus(const frmComSet& dialog);
+/// The bus ID that the dialog chooses; with no start mode chosen the present one stays.
+void TakeSensorId(const frmComSet& dialog, Session& session);
+
+}  // namespace brelant
