@@ -1,13 +1,45 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/Desktop.h"
 
+#include <array>
+#include <string_view>
+
+#include "desktop/panels/platform5/Panel5ChartWindow.h"
 #include "desktop/panels/platform5/Panel5Window.h"
+#include "desktop/windows/CalCurveWindow.h"
 #include "desktop/windows/ComSetWindow.h"
 #include "desktop/windows/MsgWindow.h"
 #include "desktop/windows/SimWindow.h"
 #include "desktop/windows/SpanCalNoteWindow.h"
 
 namespace brelant {
+
+namespace {
+
+struct DialogEntry {
+  const Form* form;
+  std::function<std::unique_ptr<FormWindow>(Acts&)> make;
+};
+
+template <typename Window, typename Model>
+DialogEntry EntryOf(Model& model) {
+  return {&model.form, [&model](Acts& acts) { return std::make_unique<Window>(model, acts); }};
+}
+
+struct PanelEntry {
+  std::string_view name;
+  std::unique_ptr<FormWindow> (*make)(Panel&, Acts&);
+};
+
+template <typename Window>
+std::unique_ptr<FormWindow> MakePanel(Panel& panel, Acts& acts) {
+  return std::make_unique<Window>(panel, acts);
+}
+
+constexpr std::array<PanelEntry, 2> kPanels{
+    {{"frm5", MakePanel<Panel5Window>}, {"frm5Chart", MakePanel<Panel5ChartWindow>}}};
+
+}  // namespace
 
 Desktop::Desktop(Program& program, Pump& pump, DesktopUserInterface& userInterface) : program_(program) {
   program.screen.onShow = [this](Form& form, bool visible) { Show(form, visible); };
@@ -37,15 +69,18 @@ void Desktop::Show(Form& form, bool visible) {
 }
 
 std::unique_ptr<FormWindow> Desktop::MakeWindow(Form& form) {
-  if (&form == &program_.comSet.form) return std::make_unique<ComSetWindow>(program_.comSet, acts_);
-  if (&form == &program_.msg.form) return std::make_unique<MsgWindow>(program_.msg, acts_);
-  if (&form == &program_.sim.form) return std::make_unique<SimWindow>(program_.sim, acts_);
-  if (&form == &program_.spanNote.form) {
-    return std::make_unique<SpanCalNoteWindow>(program_.spanNote, acts_);
+  const std::array<DialogEntry, 5> dialogs{EntryOf<ComSetWindow>(program_.comSet),
+                                           EntryOf<MsgWindow>(program_.msg), EntryOf<SimWindow>(program_.sim),
+                                           EntryOf<SpanCalNoteWindow>(program_.spanNote),
+                                           EntryOf<CalCurveWindow>(program_.calCurve)};
+  for (const auto& dialog : dialogs) {
+    if (dialog.form == &form) return dialog.make(acts_);
   }
   auto* panel = program_.session.CurrentPanel;
   if (panel == nullptr || &form != &panel->form) return nullptr;
-  if (form.Name() == "frm5") return std::make_unique<Panel5Window>(*panel, acts_);
+  for (const auto& [name, make] : kPanels) {
+    if (name == form.Name()) return make(*panel, acts_);
+  }
   return nullptr;
 }
 

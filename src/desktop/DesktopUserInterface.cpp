@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/DesktopUserInterface.h"
 
+#include <QApplication>
 #include <QCursor>
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -75,6 +76,7 @@ UserInterface::Reply DesktopUserInterface::MessageBox(const std::string& text, B
 std::optional<std::string> DesktopUserInterface::InputBox(const std::string& prompt) {
   QInputDialog box;
   box.setObjectName("InputBox");
+  box.setWindowTitle(QApplication::applicationName());
   box.setLabelText(QString::fromStdString(prompt));
   Ask(box);
   if (box.result() != QDialog::Accepted) return {};

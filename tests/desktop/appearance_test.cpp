@@ -85,6 +85,12 @@ TEST(InkTest, FieldsAreReadableAndLiveValuesWhereTheyAreLarge) {
   EXPECT_GE(Contrast(ToQColor(colours::kLive), ToQColor(colours::kFieldBack)), kLargeText);
 }
 
+TEST(InkTest, LampsAreReadable) {
+  for (const auto colour : {colours::kFault, colours::kLive}) {
+    EXPECT_GE(Contrast(InkOn(ToQColor(colour)), ToQColor(colour)), kText);
+  }
+}
+
 TEST(MnemonicTest, UnderlinesTheFirstSuchLetter) {
   EXPECT_EQ(WithMnemonic("Send to sensor", 'd'), "Sen&d to sensor");
   EXPECT_EQ(WithMnemonic("Start", 'T'), "S&tart");

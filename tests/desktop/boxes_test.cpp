@@ -104,6 +104,7 @@ TEST_F(BoxTest, AnInputIsTheTextOrNothing) {
   When("InputBox", [](QWidget& widget) {
     auto& box = static_cast<QInputDialog&>(widget);
     EXPECT_EQ(box.labelText(), "Please enter correct temperature");
+    EXPECT_EQ(box.windowTitle(), QApplication::applicationName());
     box.setTextValue("21,5");
     box.accept();
   });

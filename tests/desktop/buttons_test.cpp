@@ -157,7 +157,7 @@ class ChoiceFieldTest : public testing::Test {
 
   void ChooseItem(int index) {
     box.setCurrentIndex(index);
-    emit box.activated(index);
+    box.activated(index);
   }
 
   BenchForm bench;

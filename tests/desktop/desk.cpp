@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desk.h"
 
+#include <QAction>
 #include <QApplication>
-#include <QListWidget>
+#include <QLineEdit>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
 #include <fstream>
 #include <iterator>
 
@@ -14,13 +18,14 @@ constexpr const char* kAppDir = "C:\\KVX";
 
 }  // namespace
 
-Desk::Desk(int part)
-    : port(clock, pump, bench::SensorSetup{.part = part, .variant = 0}),
+Desk::Desk(int part, int variant)
+    : port(clock, pump, bench::SensorSetup{.part = part, .variant = variant}),
       program(TheMachine(), kAppDir),
       desktop(program, pump, ui),
-      part_(std::to_string(part)) {
-  PutFile("DEF00" + part_ + ".PDT");
-  PutFile("Platform 5 part " + part_ + ".sim");
+      panel_(variant == 0 ? "frm5" : "frm5Chart") {
+  const auto name = std::to_string(part);
+  PutFile("DEF00" + name + ".PDT");
+  PutFile("Platform 5 " + (variant == 0 ? "part " + name : "chart") + ".sim");
   pump.limit = std::chrono::hours(1);
   pump.OnPass([this] { return desktop.Pass(); });
   pump.OnPass([this] { return Pass(); });
@@ -49,6 +54,27 @@ void Desk::StartSimulation() {
   In("frmComSet", [this] { Press(Find("frmComSet", "optStartMode(2)")); });
   In("frmComSet", [this] { Press(Find("frmComSet", "btnStartKVX")); });
   In("frmSim", [this] { Press(Find("frmSim", "Command1")); });
+}
+
+void Desk::ClickMenu(const QStringList& names) const {
+  auto& window = *static_cast<QMainWindow*>(FindWindow(panel_));
+  Activate(window);
+  QWidget* menu = window.menuBar();
+  for (const auto& name : names) {
+    auto* action = window.findChild<QAction*>(name);
+    if (action == nullptr) throw std::out_of_range(name.toStdString());
+    ClickAction(*menu, *action);
+    menu = action->menu();
+  }
+}
+
+void Desk::Answer(const QString& text) {
+  When([] { return FindWindow("InputBox") != nullptr; },
+       [text] {
+         auto& edit = *FindWindow("InputBox")->findChild<QLineEdit*>();
+         Type(edit, text);
+         PressKey(edit, Qt::Key_Return);
+       });
 }
 
 void Desk::Run() {

@@ -26,19 +26,25 @@ class Desk {
   using Step = std::function<void()>;
   using Condition = std::function<bool()>;
 
-  /// The files of that part number lie where the program looks for them.
-  explicit Desk(int part = 120);
+  /// The files of that part number lie where the program looks for them. A variant above 0 has the panel of
+  /// five alarm levels.
+  explicit Desk(int part = 120, int variant = 0);
 
   /// Takes the step in the first pass of the pump in which the condition holds.
   void When(Condition condition, Step step);
   /// When that window is open, and nothing is being done.
   void In(const QString& window, Step step);
   /// On the panel when it is idle.
-  void OnPanel(Step step) { In("frm5", std::move(step)); }
+  void OnPanel(Step step) { In(panel_, std::move(step)); }
   /// From the dialog to the panel of the single sensor.
   void StartSession();
-  /// From the dialog to the panel of the simulated sensor of the same part.
+  /// From the dialog to the panel of the simulated sensor of the same part and panel.
   void StartSimulation();
+
+  /// Clicks through the menus of the panel, from the bar to an entry.
+  void ClickMenu(const QStringList& names) const;
+  /// Answers the input box by typing and Enter.
+  void Answer(const QString& text);
 
   /// Runs the program until all steps are taken, or until it ends by itself.
   void Run();
@@ -53,7 +59,7 @@ class Desk {
   }
   template <typename Widget = QWidget>
   Widget& Panel(const QString& name) const {
-    return Find<Widget>("frm5", name);
+    return Find<Widget>(panel_, name);
   }
   /// Number of steps that were not taken.
   std::size_t StepsLeft() const { return steps_.size(); }
@@ -78,7 +84,7 @@ class Desk {
   bool IsIdle() const;
   bool Pass();
 
-  std::string part_;
+  QString panel_;
   std::deque<Waiting> steps_;
 };
 

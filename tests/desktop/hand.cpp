@@ -3,7 +3,10 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTest>
+#include <stdexcept>
 
 namespace brelant::test {
 
@@ -28,6 +31,17 @@ void PressKey(QWidget& widget, Qt::Key key, Qt::KeyboardModifiers modifiers) {
 void Type(QWidget& field, const QString& text) {
   Press(field);
   QTest::keyClicks(&field, text);
+}
+
+void ClickAction(QWidget& menu, QAction& action) {
+  const auto* bar = qobject_cast<QMenuBar*>(&menu);
+  const auto place =
+      bar != nullptr ? bar->actionGeometry(&action) : static_cast<const QMenu&>(menu).actionGeometry(&action);
+  QTest::mouseClick(&menu, Qt::LeftButton, Qt::NoModifier, place.center());
+  // The style lets a menu below another wait for a moment.
+  const auto* below = action.menu();
+  if (below == nullptr || QTest::qWaitFor([below] { return below->isVisible(); })) return;
+  throw std::runtime_error(action.objectName().toStdString() + " does not open");
 }
 
 QWidget* FindWindow(const QString& name) {

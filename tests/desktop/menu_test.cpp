@@ -22,6 +22,12 @@ class MenuTest : public testing::Test {
     Command(form.AddMenu("mFile", "mSavesettings", "Save settings"));
     form.AddMenu("mFile", "mNothing", "Nothing");
     Command(form.AddMenu("", "mHelp", "Help"));
+    form.AddMenu("mFile", "mCalibrate", "Calibrate");
+    form.AddMenu("mCalibrate", "mCalCO2", "CO2 single point");
+    Command(form.AddMenu("mCalCO2", "mCalCO2Zero", "Zero"));
+    Command(form.AddMenu("mCalCO2", "mCalCO2Other", "Other"));
+    Command(form.AddMenu("mCalibrate", "mCalCO2span", "CO2 span"));
+    Command(form.AddMenu("mCalibrate", "mCalCurve", "Calibration curve"));
     form.AddMenu("", "mChannels", "Channels").SetVisible(false);
     form.AddMenu("mChannels", "mCHannel(0)", "TEMP");
     BindMenus(bench.views, bar, {{{"mLoadsettings", QKeySequence(Qt::CTRL | Qt::Key_O)}}, {"mComSet"}});
@@ -52,7 +58,7 @@ class MenuTest : public testing::Test {
 TEST_F(MenuTest, StandsAsTheFormTellsAndWithoutTheMenusThatPopUp) {
   EXPECT_EQ(Names(bar.actions()), QStringList({"mFile", "mHelp"}));
   EXPECT_EQ(Names(Action("mFile")->menu()->actions()),
-            QStringList({"mLoadsettings", "mOptions", "mSavesettings", "mNothing"}));
+            QStringList({"mLoadsettings", "mOptions", "mSavesettings", "mNothing", "mCalibrate"}));
   EXPECT_EQ(Names(Action("mOptions")->menu()->actions()), QStringList({"mComSet"}));
 }
 
@@ -98,9 +104,39 @@ TEST_F(MenuTest, HasShortcutsAndALetterOfItsOwnForEachEntryOfAMenu) {
     ASSERT_GE(at, 0) << action->text().toStdString();
     letters.insert(action->text()[at + 1].toUpper());
   }
-  EXPECT_EQ(letters.size(), 4);
+  EXPECT_EQ(letters.size(), 5);
   EXPECT_EQ(Action("mLoadsettings")->text(), "&Load settings");
   EXPECT_EQ(Action("mSavesettings")->text(), "&Save settings");
+}
+
+TEST_F(MenuTest, MenusStandWithinMenusWithinMenus) {
+  EXPECT_EQ(Names(Action("mCalibrate")->menu()->actions()),
+            QStringList({"mCalCO2", "mCalCO2span", "mCalCurve"}));
+  EXPECT_EQ(Names(Action("mCalCO2")->menu()->actions()), QStringList({"mCalCO2Zero", "mCalCO2Other"}));
+  Action("mCalCO2Zero")->trigger();
+  bench.Pass();
+  EXPECT_EQ(clicked, "mCalCO2Zero");
+}
+
+TEST_F(MenuTest, EachMenuGivesItsLettersAnew) {
+  EXPECT_EQ(Action("mCalCO2")->text(), "&CO2 single point");
+  EXPECT_EQ(Action("mCalCO2span")->text(), "CO2 &span");
+  EXPECT_EQ(Action("mCalCurve")->text(), "C&alibration curve");
+  EXPECT_EQ(Action("mCalCO2Zero")->text(), "&Zero");
+  EXPECT_EQ(Action("mCalCO2Other")->text(), "&Other");
+}
+
+TEST_F(MenuTest, MenusAreDisabledEachByItsOwnControl) {
+  form.Find("mCalibrate")->SetEnabled(false);
+  form.Find("mCalCurve")->SetEnabled(false);
+  bench.Pass();
+  EXPECT_FALSE(Action("mCalibrate")->isEnabled());
+  EXPECT_FALSE(Action("mCalCurve")->isEnabled());
+  form.Find("mCalibrate")->SetEnabled(true);
+  bench.Pass();
+  EXPECT_TRUE(Action("mCalibrate")->isEnabled());
+  EXPECT_TRUE(Action("mCalCO2")->isEnabled());
+  EXPECT_FALSE(Action("mCalCurve")->isEnabled());
 }
 
 }  // namespace

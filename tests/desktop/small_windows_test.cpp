@@ -49,7 +49,7 @@ TEST_F(SmallWindowsTest, TheDialogComesFirst) {
     ASSERT_EQ(box.count(), 2);
     EXPECT_EQ(box.itemText(0), "/dev/ttyUSB0  Adapter");
     box.setCurrentIndex(0);
-    emit box.activated(0);
+    box.activated(0);
   });
   InDialog([this] {
     EXPECT_EQ(desk.Find<QLineEdit>("frmComSet", "txbComPort").text(), "/dev/ttyUSB0");
@@ -177,6 +177,28 @@ TEST_F(SmallWindowsTest, AFailureIsToldAndTheDialogComesBack) {
   InDialog([] {});
   desk.Run();
   EXPECT_EQ(text, "This port is locked by other devise");
+}
+
+TEST_F(SmallWindowsTest, SendingAFileNeedsItsName) {
+  InDialog([this] {
+    auto& send = desk.Find<QAbstractButton>("frmComSet", "cmdSendFile");
+    EXPECT_TRUE(send.isEnabled());
+    EXPECT_EQ(send.toolTip(), "");
+    Press(send);
+  });
+  QString text;
+  Acknowledge(text);
+  // A name that is typed does not count, and nothing is said.
+  InDialog([this] {
+    Type(Dialog("txbFileName"), "C:\\KVX\\last.set");
+    Press(Dialog("cmdSendFile"));
+  });
+  InDialog([this] {
+    EXPECT_EQ(FindWindow("MessageBox"), nullptr);
+    EXPECT_EQ(desk.port.sensor.Count().frames, 0);
+  });
+  desk.Run();
+  EXPECT_EQ(text, "Please enter file name in the textbox.");
 }
 
 TEST_F(SmallWindowsTest, TheChooserListsWhatCanBeSimulated) {

@@ -1,13 +1,15 @@
 #!/bin/bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# photograph.sh [BIN [PICTURES]]: takes the pictures of docs/pictures with the programs in BIN
-# (build/release/bin). Needs Xvfb, xdotool and ImageMagick.
+# photograph.sh [BIN [PICTURES [SCENE...]]]: takes the pictures of docs/pictures with the programs in BIN
+# (build/release/bin); all scenes, or those that are named. Needs Xvfb, xdotool and ImageMagick.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")/../.." && pwd)
 bin=$(realpath "${1:-$here/build/release/bin}")
 pictures=$(realpath "${2:-$here/docs/pictures}")
 work=$(mktemp -d)
+scenes=("${@:3}")
+[ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve)
 part=231
 seconds_to_wait=20
 started=()
@@ -40,14 +42,21 @@ until_seen() {
   done
 }
 
-# window TITLE WIDTH: the visible window of that title, at least that wide at 100 %.
+# window TITLE WIDTH [LIMIT]: the visible window of that title, at least that wide at 100 %, and below the limit.
 window() {
   local id WIDTH
   for id in $(xdotool search --onlyvisible --name "^$1\$"); do
     eval "$(xdotool getwindowgeometry --shell "$id" | grep WIDTH)"
-    ((WIDTH >= $2 * scale)) && { echo "$id"; return 0; }
+    ((WIDTH >= $2 * scale && WIDTH < ${3:-9999} * scale)) && { echo "$id"; return 0; }
   done
   return 1
+}
+
+gone() { ! window "$@" >/dev/null; }
+
+# alarmed WINDOW: one of its lamps is red.
+alarmed() {
+  import -window "$1" -depth 8 "txt:$work/pixels" && grep -qi '#FF0000' "$work/pixels"
 }
 
 # shoot NAME TITLE WIDTH
@@ -66,7 +75,7 @@ settings() {
 }
 
 sensor() {
-  start "$bin/brelant-sensor" --part $part --variant 0 --link "$work/sensor" "$@"
+  start "$bin/brelant-sensor" --part $part --link "$work/sensor" "$@"
   until_seen test -e "$work/sensor"
 }
 
@@ -84,15 +93,15 @@ press() {
   done
 }
 
-# type_values WINDOW VALUE...: into the live values, from the top; then a click on the ground.
+# type_values WINDOW X Y DX DY VALUE...: into the live values, the first one there; then a click on the ground.
 type_values() {
-  local id=$1 y=158
-  shift
+  local id=$1 x=$2 y=$3 dx=$4 dy=$5
+  shift 5
   for value in "$@"; do
-    xdotool mousemove --window "$id" $((126 * scale)) $((y * scale)) click 1
+    xdotool mousemove --window "$id" $((x * scale)) $((y * scale)) click 1
     sleep 0.2
     xdotool type "$value"
-    y=$((y + 110))
+    x=$((x + dx)) y=$((y + dy))
   done
   xdotool mousemove --window "$id" $((600 * scale)) $((40 * scale)) click 1
 }
@@ -108,7 +117,7 @@ photograph_dialogs() {
   # The sensor of the same part, Next.
   press "$(window "Simulated mode" 200)" End Up Return
   until_seen window "BRELANT Simulated mode" 800 >/dev/null
-  type_values "$(window "BRELANT Simulated mode" 800)" 23.5 2.15 48
+  type_values "$(window "BRELANT Simulated mode" 800)" 126 158 0 110 23.5 2.15 48
   shoot panel-simulated "BRELANT Simulated mode" 800
   stop
 }
@@ -116,7 +125,7 @@ photograph_dialogs() {
 photograph_progress() {
   settings "$work/sensor" 1
   # A line so bad that the box stays for a while.
-  sensor --pace --fault silence=0.3,wrong=0.3
+  sensor --variant 0 --pace --fault silence=0.3,wrong=0.3
   program
   until_seen window BRELANT 200 >/dev/null
   # Past the two seconds of listening.
@@ -127,12 +136,56 @@ photograph_progress() {
 
 photograph_panel() {
   settings "$work/sensor" 1
-  sensor
+  sensor --variant 0
   program
   until_seen window BRELANT 800 >/dev/null
   # The first live values come with the first poll.
   sleep 2.5
   shoot panel BRELANT 800
+  stop
+}
+
+photograph_chart_simulated() {
+  settings /dev/ttyUSB0 0
+  program
+  until_seen window "Communication setup" 300 >/dev/null
+  press "$(window "Communication setup" 300)" alt+m Return
+  until_seen window "Simulated mode" 200 >/dev/null
+  press "$(window "Simulated mode" 200)" End Home
+  xdotool type "Platform 5 c"
+  press "$(window "Simulated mode" 200)" Return
+  until_seen window "BRELANT Simulated mode" 800 >/dev/null
+  type_values "$(window "BRELANT Simulated mode" 800)" 150 130 300 0 23.5 1.62 0.48
+  shoot chart-simulated "BRELANT Simulated mode" 800
+  stop
+}
+
+photograph_chart() {
+  local id
+  settings "$work/sensor" 1
+  sensor --variant 1
+  program
+  id=$(until_seen window BRELANT 800)
+  # The gas of the virtual sensor rises and falls within a minute.
+  seconds_to_wait=90 until_seen alarmed "$id"
+  shoot chart BRELANT 800
+  stop
+}
+
+photograph_curve() {
+  settings "$work/sensor" 1
+  sensor --variant 1
+  program
+  until_seen window BRELANT 800 >/dev/null
+  sleep 2.5
+  # Sensor, Calibrate, CO2 single point, Other.
+  press "$(window BRELANT 800)" alt+s c c o
+  # The question is narrower than the progress box behind it.
+  press "$(until_seen window BRELANT 100 300)" 2 period 5 Return
+  until_seen gone BRELANT 100 800
+  # Sensor, Calibrate, Calibration curve.
+  press "$(window BRELANT 800)" alt+s c a
+  shoot curve "Calibration curve" 400
   stop
 }
 
@@ -151,8 +204,8 @@ until_seen xdotool getdisplaygeometry >/dev/null
 for style in light dark; do
   for scale in 1 2; do
     suffix=$([ $scale = 1 ] || echo -200)
-    photograph_dialogs
-    photograph_progress
-    photograph_panel
+    for scene in "${scenes[@]}"; do
+      "photograph_$scene"
+    done
   done
 done

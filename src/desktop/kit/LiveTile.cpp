@@ -13,18 +13,18 @@ namespace brelant {
 
 namespace {
 
-constexpr double kNumberSize = 3.0;
 constexpr double kUnitSize = 1.25;
 constexpr double kNameSize = 1.15;
 
 }  // namespace
 
-LiveTile::LiveTile(Views& views, const Controls& controls, const QString& fixedUnit, QWidget* parent)
+LiveTile::LiveTile(Views& views, const Controls& controls, const QString& fixedUnit, double numberSize,
+                   QWidget* parent)
     : QFrame(parent), controls_(controls) {
   auto& layout = LayOut<QVBoxLayout>(*this, 0);
   layout.setContentsMargins(12, 8, 12, 8);
   AddName(views, layout);
-  AddValue(views, layout, fixedUnit);
+  AddValue(views, layout, fixedUnit, numberSize);
   setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
   views.OnRefresh([this] {
     SetShown(*this, controls_.presence.Visible());
@@ -40,14 +40,16 @@ void LiveTile::AddName(Views& views, QBoxLayout& layout) {
   layout.addWidget(&name);
 }
 
-void LiveTile::AddValue(Views& views, QBoxLayout& layout, const QString& fixedUnit) {
+void LiveTile::AddValue(Views& views, QBoxLayout& layout, const QString& fixedUnit, double numberSize) {
   auto& row = AddRow(layout, 8);
   auto& value = Make<QLineEdit>(*this);
   value_ = &value;
-  ScaleFont(value, kNumberSize, QFont::DemiBold);
+  ScaleFont(value, numberSize, QFont::DemiBold);
   value.setFrame(false);
   value.setAlignment(Qt::AlignRight);
   value.setMinimumWidth(Digits(value, 6));
+  // What a line edit would like to be wide is far too much for numbers of this size.
+  value.setSizePolicy(QSizePolicy::Ignored, value.sizePolicy().verticalPolicy());
   row.addWidget(&value, 1);
   Bind(views, controls_.value, value,
        [this, fixedUnit] { return TextOf(controls_.name) + ", " + Unit(fixedUnit); });

@@ -20,15 +20,18 @@ class LiveTile : public QFrame {
     /// The unit, which may stand for a choice; nullptr: `fixedUnit` is shown.
     Control* unit;
   };
+  /// Of the number, as a multiple of the usual size.
+  static constexpr double kUsualNumber = 3;
 
-  LiveTile(Views& views, const Controls& controls, const QString& fixedUnit, QWidget* parent);
+  LiveTile(Views& views, const Controls& controls, const QString& fixedUnit, double numberSize,
+           QWidget* parent);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
 
  private:
   void AddName(Views& views, QBoxLayout& layout);
-  void AddValue(Views& views, QBoxLayout& layout, const QString& fixedUnit);
+  void AddValue(Views& views, QBoxLayout& layout, const QString& fixedUnit, double numberSize);
   QWidget& MakeUnit(Views& views, const QString& fixedUnit);
   QString Unit(const QString& fixedUnit) const;
   void TakeColour();

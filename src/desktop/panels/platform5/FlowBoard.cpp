@@ -77,7 +77,7 @@ void FlowBoard::AddInputs(const QString& unitOfLast, QBoxLayout& layout) {
     auto* unit = views_.Model().Find("lblCH_Type(" + std::to_string(k) + ")");
     const LiveTile::Controls controls{views_("lblCH_Name", k), views_("txbCHact", k), views_("pctChannel", k),
                                       unit};
-    auto& tile = Make<LiveTile>(column, views_, controls, unitOfLast);
+    auto& tile = Make<LiveTile>(column, views_, controls, unitOfLast, LiveTile::kUsualNumber);
     tile.setFixedWidth(Digits(tile, 28));
     tile.setMaximumHeight(Digits(tile, 16));
     tiles_.at(static_cast<std::size_t>(k)) = &tile;

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/panels/platform5/header.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+
+#include "desktop/kit/ModeBadge.h"
+#include "desktop/kit/PopupLabel.h"
+#include "desktop/kit/bind.h"
+#include "desktop/kit/fields.h"
+#include "desktop/kit/make.h"
+#include "desktop/kit/text.h"
+
+namespace brelant::platform5 {
+
+namespace {
+
+constexpr int kSpacing = 10;
+
+/// A field that is only read, as a text on the ground that can be copied.
+void AddFact(Views& views, const QString& caption, Control& control, int digits, QBoxLayout& layout) {
+  auto& ground = *layout.parentWidget();
+  AddCaption(caption, ground, layout);
+  auto& fact = Make<QLineEdit>(ground);
+  ScaleFont(fact, 1.25, QFont::DemiBold);
+  fact.setFrame(false);
+  QPalette onGround;
+  onGround.setColor(QPalette::Base, Qt::transparent);
+  fact.setPalette(onGround);
+  fact.setFixedWidth(Digits(fact, digits));
+  Bind(views, control, fact, Always(caption));
+  layout.addWidget(&fact);
+}
+
+void AddIdentity(Views& views, QBoxLayout& layout) {
+  auto& ground = *layout.parentWidget();
+  AddFact(views, "Serial number", views("txbSN"), 10, layout);
+  // Only one of the two panels shows it.
+  if (auto* version = views.Model().Find("txbVersion")) AddFact(views, "Version", *version, 3, layout);
+  AddCaption("ID", ground, layout);
+  layout.addWidget(&MakeNumber(views, views("txbID"), Digits(ground, 5), Always("Bus ID"), ground));
+  layout.addSpacing(kSpacing);
+  AddCaption("Display", ground, layout);
+  layout.addWidget(&Make<PopupLabel>(ground, views, views("lblDisplayMode"), Always("Display mode"), true));
+}
+
+void AddCommands(Views& views, Panel& panel, QBoxLayout& layout) {
+  auto& ground = *layout.parentWidget();
+  layout.addWidget(&Make<ModeBadge>(ground, views, panel.cbxSimulated));
+  auto& simulated = Make<QCheckBox>(ground);
+  Bind(views, panel.cbxSimulated, simulated, {'u'});
+  layout.addWidget(&simulated);
+  layout.addSpacing(kSpacing);
+  auto& read = Make<QPushButton>(ground);
+  Bind(views, panel.btnReadFromSensor, read, {'R'});
+  layout.addWidget(&read);
+  auto& send = Make<QPushButton>(ground);
+  Bind(views, panel.btnSendToSensor, send, {'d'});
+  layout.addWidget(&send);
+}
+
+}  // namespace
+
+QBoxLayout& LayOutPanel(Views& views, Panel& panel, QWidget& ground) {
+  auto& layout = LayOut<QVBoxLayout>(ground, kSpacing);
+  layout.setContentsMargins(14, 10, 14, 12);
+  auto& row = AddRow(layout, kSpacing);
+  AddIdentity(views, row);
+  row.addStretch();
+  AddCommands(views, panel, row);
+  return layout;
+}
+
+}  // namespace brelant::platform5
