@@ -94,7 +94,7 @@ void KVXMain::AskForSettings() {
   dialog.Show();
   while (dialog.form.Visible() && !context_.session.processOver) {
     context_.machine.pump.Wait(std::chrono::microseconds::max());
-    if (dialog.TakeSendRequest()) sendFile_.Run();
+    if (dialog.TakeSendRequest() && dialog.form.Visible()) sendFile_.Run();
   }
 }
 
@@ -245,7 +245,7 @@ void KVXMain::SaveLastSettings() {
 }
 
 void KVXMain::ShowMessage(const std::string& text) {
-  context_.machine.userInterface.MessageBox(text, UserInterface::Buttons::ok, "", UserInterface::Icon::none);
+  context_.machine.userInterface.Tell(text);
 }
 
 }  // namespace brelant

@@ -7,6 +7,7 @@ namespace brelant {
 
 namespace {
 
+constexpr std::size_t kPart = 65;
 constexpr std::int32_t kSettingsOf5 = 6;
 constexpr std::int32_t kWholeRam = 8;
 constexpr std::int32_t kWholeEeprom = 30;
@@ -24,8 +25,7 @@ void SendFile::Run() {
   SendChosen();
   if (session.Over()) return;
   if (!session.LastError.empty() && session.LastError != kCancelled) {
-    context_.machine.userInterface.MessageBox(session.LastError, UserInterface::Buttons::ok, "",
-                                              UserInterface::Icon::none);
+    context_.machine.userInterface.Tell(session.LastError);
   }
   session.LastError.clear();
   ShowProgress("", true);
@@ -52,7 +52,12 @@ bool SendFile::Send(const std::string& fileName) {
   // The platform comes from a byte that is fetched here.
   if (context_.info.GetPartNumber() == 0 && !context_.session.LastError.empty()) return false;
   const int platform = context_.info.GetPlatform();
-  return ReadSensor(platform) && context_.file.LoadSettings(fileName, 0) && WriteSensor(platform);
+  if (!ReadSensor(platform)) return false;
+  const float part = context_.image.RamImage[kPart];
+  if (!context_.file.LoadSettings(fileName, 0)) return false;
+  // The file's part number may speak another generation than the sensor, which would not understand the save.
+  context_.image.RamImage[kPart] = part;
+  return WriteSensor(platform);
 }
 
 void SendFile::Connect() {
@@ -80,6 +85,7 @@ bool SendFile::ReadImage(std::int32_t selector, bool isEeprom, float highestVari
   ShowProgress("Reading sensor", false);
   if (!context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false)) return false;
   const float variant = context_.info.GetProductVariant();
+  if (!context_.session.LastError.empty()) return false;
   if (variant >= 0 && variant <= highestVariant) return true;
   context_.session.LastError = kUnknownSensor;
   return false;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kTemperatureTableOf7 = 0;
 constexpr int kGasTableOf7 = 2;
+constexpr float kKindOf7 = 792;
 constexpr int kZeroWordOf7 = 14;
 constexpr int kScaleWordOf7 = 762;
 constexpr float kOne = 2048;
@@ -24,7 +25,7 @@ bool AllOf(const auto& flags, std::size_t from, std::size_t count) {
 }
 
 /// Everything is there that a query about the channel could want to fetch.
-bool IsKnown(const SensorImage& image, int platform, int tableOf7) {
+bool IsKnown(const SensorImage& image, int platform, int tableOf7, float channel) {
   switch (platform) {
     case 5:
       return AllOf(image.RamValid, 0, kRamBytes);
@@ -32,7 +33,8 @@ bool IsKnown(const SensorImage& image, int platform, int tableOf7) {
     case 61:
       return AllOf(image.EepromValid, 0, kEepromBytes);
     case 7:
-      return AllOf(image.EepromValid, kZeroWordOf7, 2) && AllOf(image.EepromValid, kScaleWordOf7, 2) &&
+      return AllOf(image.EepromValid, static_cast<std::size_t>(kKindOf7 + channel), 1) &&
+             AllOf(image.EepromValid, kZeroWordOf7, 2) && AllOf(image.EepromValid, kScaleWordOf7, 2) &&
              AllOf(image.EepromValid, static_cast<std::size_t>(*TableAddress(7, tableOf7, 0)), kTableSize);
     default:
       return false;
@@ -54,7 +56,7 @@ std::optional<GasTable> TableOf(const SensorImage& image, int platform, int tabl
 
 std::vector<ResponsePoint> KnownGasResponse(const SensorImage& image, SnsInfo& info, float channel) {
   const int platform = info.GetPlatform();
-  if (!IsKnown(image, platform, kGasTableOf7)) return {};
+  if (!IsKnown(image, platform, kGasTableOf7, channel)) return {};
   const auto table = TableOf(image, platform, platform == 7 ? kGasTableOf7 : info.GetChannelTable(channel));
   if (!table) return {};
   const float zeroWord = platform == 7 ? image.EepromWord(kZeroWordOf7) : info.GetZeroWord(channel);
@@ -65,7 +67,7 @@ std::vector<ResponsePoint> KnownGasResponse(const SensorImage& image, SnsInfo& i
 std::vector<ResponsePoint> KnownTemperatureResponse(const SensorImage& image, SnsInfo& info, float channel) {
   const int platform = info.GetPlatform();
   // The correction of platform 5 is an addend of the channel, its tables are those of gases.
-  if (platform == 5 || !IsKnown(image, platform, kTemperatureTableOf7)) return {};
+  if (platform == 5 || !IsKnown(image, platform, kTemperatureTableOf7, channel)) return {};
   const auto table =
       TableOf(image, platform, platform == 7 ? kTemperatureTableOf7 : info.GetChannelTable(channel));
   return table ? ResponseOf(*table) : std::vector<ResponsePoint>{};

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <exception>
 
 #include "calibration/known_response.h"
 #include "knowledge/table_address.h"
@@ -15,6 +16,7 @@ namespace {
 
 constexpr double kZeroGas = 61440;
 constexpr double kOne = 2048;
+constexpr double kHighestWord = 65535;
 constexpr float kMiddle = 127;
 constexpr float kOffset = 5000;
 constexpr int kFirstTableBlock = 32;
@@ -25,18 +27,22 @@ constexpr float kCO2Of61And7 = 5;
 constexpr float kCO2Of6 = 11;
 
 // Platform 7; each procedure has a table of its own.
+constexpr int kTemperatureTableOf7 = 0;
+constexpr int kSpanTableOf7 = 2;
+constexpr int kO2TableOf7 = 4;
 constexpr int kCurveOf7 = 1003;
 constexpr int kZeroWordOf7 = 14;
 constexpr int kTempCoefficientOf7 = 881;
 constexpr int kBackgroundOf7 = 976;
-constexpr int kSpanTableOf7 = 580;
-constexpr int kTemperatureTableOf7 = 512;
 constexpr int kSignalOf7 = 40;
 constexpr int kTempDeviationOf7 = 42;
-constexpr int kO2TableOf7 = 4;
 constexpr int kO2Signal = 38;
 constexpr int kO2Zero = 760;
 constexpr int kO2Span = 0;
+
+int AddressOf7(int table) {
+  return *TableAddress(7, table, 0);
+}
 
 /// The quotient, if there is one.
 double Divide(double dividend, double divisor, const char* what) {
@@ -64,7 +70,7 @@ bool snsCal::Run(bool closePort, const Procedure& procedure) {
   bool done = false;
   try {
     done = procedure();
-  } catch (const NoResult& fault) {
+  } catch (const std::exception& fault) {
     session_.Fail(fault.what());
   }
   if (closePort) link_.Close();
@@ -132,9 +138,14 @@ bool snsCal::SpanOf5(const std::string& spanText) {
   if (!background || !Sound()) return false;
 
   const double seen = kZeroGas - zeroWord * signal / kOne;
+  if (seen <= 0) throw NoResult("The sensor sees no span gas");
   const double correction = (coefficient * deviation / kTempSteps + kOne) / kOne;
-  const double span = Divide(Divide((kZeroGas - wanted) * kOne, seen, "The sensor sees no gas"), correction,
+  const double span = Divide((kZeroGas - wanted) * kOne / seen, correction,
                              "Can't compute the span from the sensor's temperature");
+  // The sensor would read no gas for ever, or whatever the bits of another number say.
+  if (wanted >= kZeroGas || Round(span) < 1 || span > kHighestWord) {
+    throw NoResult("Can't calibrate with this concentration");
+  }
   info_.SetSpanWord(kChannelOf5, true, false, static_cast<float>(span));
   // The background stays the same concentration under the new span.
   table_.SetBackgroundWord(0, *background);
@@ -204,7 +215,7 @@ bool snsCal::SpanOf7(float spanRaw) {
   const auto curve = CurveOfNibble(Bits(image_.EepromImage[kCurveOf7]) >> 4 & 15);
   if (!Read(kZeroWordOf7, 2, true, true) || !Read(kTempCoefficientOf7, 2, true, true) ||
       !Read(kBackgroundOf7, 2, true, true) || !Read(kTempDeviationOf7, 2, false, true) ||
-      !Read(kSignalOf7, 2, false, true) || !Read(kSpanTableOf7, kTableSize, true, false)) {
+      !Read(kSignalOf7, 2, false, true) || !Read(AddressOf7(kSpanTableOf7), kTableSize, true, false)) {
     return false;
   }
   // Only for what it fetches.
@@ -222,14 +233,15 @@ bool snsCal::SpanOf7(float spanRaw) {
       SpanTable(curve, MeasuredTransmission(measured), spanRaw, 0, [this] { machine_.pump.DoEvents(); });
   if (!Sound()) return false;
   StoreSpanOf7(table);
-  if (!Write(kSpanTableOf7, kTableSize, true, false) || !Write(kBackgroundOf7, 2, true, false)) return false;
+  if (!Write(AddressOf7(kSpanTableOf7), kTableSize, true, false) || !Write(kBackgroundOf7, 2, true, false))
+    return false;
   NoteGas(kCO2Of61And7, before, measured.signal, spanRaw);
   return true;
 }
 
 void snsCal::StoreSpanOf7(const GasTable& table) {
   for (std::size_t i = 0; i < table.size(); ++i) {
-    image_.SetEepromWord(kSpanTableOf7 + 2 * static_cast<int>(i), UnsignedWord(table[i]));
+    image_.SetEepromWord(AddressOf7(kSpanTableOf7) + 2 * static_cast<int>(i), UnsignedWord(table[i]));
   }
 }
 
@@ -341,7 +353,7 @@ bool snsCal::MoveTemperature(float value, float channel) {
   info_.GetChannelRaw(channel, false);
   const float reading = info_.GetChannelRaw(channel, false);
   const float wanted = info_.TextToRaw(NumberText(value), channel, false);
-  const float delta = wanted - reading;
+  const float delta = static_cast<float>(Signed(wanted) - Signed(reading));
   if (!Sound()) return false;
 
   const auto before = KnownTemperatureResponse(image_, info_, channel);
@@ -361,19 +373,25 @@ bool snsCal::MoveTemperature(float value, float channel) {
   }
 }
 
+/// Words of platform 7 are signed: a temperature that crosses 0 would otherwise move the table by 65536.
+double snsCal::Signed(float word) {
+  return info_.GetPlatform() == 7 ? SignedWord(word) : word;
+}
+
 int snsCal::TemperatureTable(float channel) {
-  return info_.GetPlatform() == 7 ? 0 : info_.GetChannelTable(channel);
+  return info_.GetPlatform() == 7 ? kTemperatureTableOf7 : info_.GetChannelTable(channel);
 }
 
 bool snsCal::SendTemperatureTable(float channel) {
-  if (info_.GetPlatform() == 7) return Write(kTemperatureTableOf7, kTableSize, true, false);
+  if (info_.GetPlatform() == 7) return Write(AddressOf7(kTemperatureTableOf7), kTableSize, true, false);
   return WriteTable(TemperatureTable(channel), false);
 }
 
 bool snsCal::MoveTable(int table, float delta) {
   GasTable entries{};
   for (int i = 0; i < Table::kEntries; ++i) {
-    entries.at(static_cast<std::size_t>(i)) = table_.ReadTableEntry(table, i) + delta;
+    const auto moved = static_cast<float>(Signed(table_.ReadTableEntry(table, i)) + delta);
+    entries.at(static_cast<std::size_t>(i)) = info_.GetPlatform() == 7 ? UnsignedWord(moved) : moved;
     if (!Sound()) return false;
   }
   for (int i = 0; i < Table::kEntries; ++i) {

@@ -74,6 +74,7 @@ class snsCal {
 
   float TemperatureChannel();
   bool MoveTemperature(float value, float channel);
+  double Signed(float word);
   int TemperatureTable(float channel);
   bool MoveTable(int table, float delta);
   bool SendTemperatureTable(float channel);

@@ -20,6 +20,7 @@ constexpr int kFirstSearched = 57344;
 constexpr float kFirstStep = 100;
 constexpr float kCloseEnough = 0.0001F;
 constexpr float kHighest = 9999;
+constexpr const char* kNoGas = "The sensor sees no span gas";
 
 float Finite(double value, const char* what) {
   const auto single = static_cast<float>(value);
@@ -91,7 +92,9 @@ float MeasuredTransmission(const Measurement& measured) {
 GasTable SpanTable(const SpanCurve& curve, float transmission, float span, float offset,
                    const std::function<void()>& pass) {
   const double atSpan = std::log(double{curve.curve.At(span)});
-  if (atSpan == 0) throw NoResult("Can't calibrate with this concentration");
+  if (span <= 0 || atSpan == 0) throw NoResult("Can't calibrate with this concentration");
+  // As much as without gas, or more: there is no curve through that.
+  if (transmission >= 1) throw NoResult(kNoGas);
   const float exponent = Finite(std::log(double{transmission}) / atSpan,
                                 "Can't compute the calibration from the sensor's signal");
 
@@ -100,6 +103,7 @@ GasTable SpanTable(const SpanCurve& curve, float transmission, float span, float
   for (int x = kFirstSearched; x >= 0; x -= kSegment) {
     const auto target = static_cast<float>(((curve.scale - 1) + x / kZeroGas) / curve.scale);
     c = SearchConcentration(curve.curve, exponent, target, c, pass);
+    if (x == kFirstSearched && c > kHighest) throw NoResult(kNoGas);
     table[static_cast<std::size_t>(x / kSegment)] = std::trunc(c) + offset;
   }
   table[15] = offset;

@@ -17,7 +17,7 @@ constexpr double kHighestValue = 65535;
 constexpr double kHighestPosition = 65536;
 constexpr float kNowhere = 65535;
 constexpr int kFirstTableBlock = 32;
-constexpr int kGasTableOf7 = 5;
+constexpr int kBackgroundTableOf7 = 5;
 
 bool Between(float value, float lo, float hi) {
   return value >= std::min(lo, hi) && value <= std::max(lo, hi);
@@ -203,7 +203,7 @@ int Table::GasTable(std::uint8_t gasIndex) {
     case 5:
       return gasIndex + 1;
     case 7:
-      return kGasTableOf7;
+      return kBackgroundTableOf7;
     default:
       return info_.GetChannelTable(info_.GetGasChannel(gasIndex));
   }

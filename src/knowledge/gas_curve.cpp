@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+#include "knowledge/bisect.h"
+
 namespace brelant {
 
 namespace {
@@ -13,25 +15,6 @@ constexpr float kTableOffset = 5000;
 constexpr int kSegment = 4096;
 constexpr int kFullPosition = 61440;
 constexpr std::size_t kLastFound = 15;
-
-struct Search {
-  float c = kFirstGuess;
-  bool exact = false;
-};
-
-/// Bisection from the middle of the range, until `direction` (+1, -1) gives 0 for the guess or the step has
-/// halved down to 0.
-template <typename Direction>
-Search Bisect(Direction direction, const std::function<void()>& pass) {
-  Search search;
-  for (float step = kFirstStep; step != 0 && !search.exact; step /= 2) {
-    pass();
-    const int sign = direction(search.c);
-    search.c += static_cast<float>(sign) * step;
-    search.exact = sign == 0;
-  }
-  return search;
-}
 
 void ContinueLastSegment(GasTable& table) {
   table[16] = table[15] - (table[14] - table[15]);
@@ -56,12 +39,13 @@ GasTable NormalisedTable(const GasCurve& curve, float fullScale, const std::func
   GasTable table{};
   for (int x = kFullPosition; x >= 0; x -= kSegment) {
     const auto found = Bisect(
+        kFirstGuess, kFirstStep,
         [&](float c) {
           const double n = std::trunc((static_cast<double>(curve.At(c)) - yFull) / range * kFullPosition);
           return x > n ? -1 : x < n ? 1 : 0;
         },
         pass);
-    table[static_cast<std::size_t>(x / kSegment)] = std::trunc(found.c) + kTableOffset;
+    table[static_cast<std::size_t>(x / kSegment)] = std::trunc(found.x) + kTableOffset;
   }
   ContinueLastSegment(table);
   return table;
@@ -72,13 +56,14 @@ std::optional<GasTable> SteppedTable(const GasCurve& curve, float yFull, const s
   for (std::size_t i = 0; i <= kLastFound; ++i) {
     const auto target = static_cast<float>(1.0 - static_cast<double>(kLastFound - i) * yFull / kLastFound);
     const auto found = Bisect(
+        kFirstGuess, kFirstStep,
         [&](float c) {
           const float y = curve.At(c);
           return y > target ? 1 : y < target ? -1 : 0;
         },
         pass);
     if (!found.exact) return {};
-    table[i] = std::trunc(found.c) + kTableOffset;
+    table[i] = std::trunc(found.x) + kTableOffset;
   }
   ContinueLastSegment(table);
   return table;

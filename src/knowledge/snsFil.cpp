@@ -18,6 +18,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 17;
 constexpr std::size_t kBlockHeader = 4;
 constexpr std::size_t kReadLimit = 1501;
+constexpr std::uint32_t kMostBlocks = 255;
 constexpr std::size_t kChecksumAt = 1;
 constexpr std::size_t kLengthAt = 3;
 constexpr std::size_t kCountAt = 5;
@@ -82,6 +83,12 @@ void PutBlock(Bytes& file, std::uint8_t type, const Bytes& payload) {
   const std::uint32_t count = file[kCountAt];
   const auto place = FindPlace(file, count, type);
   const auto end = place.offset + kBlockHeader + payload.size();
+  if (place.found && ReadLittleEndian(file, place.offset + 2, 2) != payload.size()) {
+    throw std::length_error("The block in the file has another size");
+  }
+  if (std::max(file.size(), end) >= kReadLimit || (!place.found && count == kMostBlocks)) {
+    throw std::length_error("The file would be one that cannot be read");
+  }
   if (file.size() < end) file.resize(end);
   WriteLittleEndian(file, place.offset, 2, type);
   WriteLittleEndian(file, place.offset + 2, 2, static_cast<std::uint32_t>(payload.size()));
@@ -97,11 +104,10 @@ snsFil::snsFil(Session& session, SensorImage& image, snscom& com, SnsInfo& info,
     : session_(session), image_(image), com_(com), info_(info), table_(table), machine_(machine) {}
 
 bool snsFil::ReadSetBlock(const std::string& fileName, std::uint8_t& block, bool reportError, bool apply) {
-  return ReadBlock(fileName, block, reportError, apply) != Found::failed;
+  return ReadBlock(fileName, {block, apply}, reportError) != Found::failed;
 }
 
-snsFil::Found snsFil::ReadBlock(const std::string& fileName, std::uint8_t& block, bool reportError,
-                                bool apply) {
+snsFil::Found snsFil::ReadBlock(const std::string& fileName, const Wanted& wanted, bool reportError) {
   std::fill_n(image_.SetBuffer.begin(), kEepromBytes, std::uint8_t{0});
   if (fileName.empty() || !machine_.files.Exists(fileName)) {
     session_.Fail("File not found " + fileName);
@@ -121,14 +127,15 @@ snsFil::Found snsFil::ReadBlock(const std::string& fileName, std::uint8_t& block
       session_.Fail("File is damaged " + fileName);
       return Found::failed;
     }
-    return TakeBlocks(file, block, apply);
+    return TakeBlocks(file, wanted);
   } catch (const std::exception& fault) {
     if (reportError) session_.Fail(fault.what());
     return Found::failed;
   }
 }
 
-snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block, bool apply) {
+snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, const Wanted& wanted) {
+  auto& block = wanted.block;
   const int count = file[kCountAt];
   std::size_t offset = kHeaderSize;
   for (int i = 0; i < count; ++i) {
@@ -136,13 +143,14 @@ snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, std::uint8_
     const auto type = ReadLittleEndian(file, offset, 2);
     const auto size = ReadLittleEndian(file, offset + 2, 2);
     if (block == first && (type == ram5 || type == eeprom)) block = static_cast<std::uint8_t>(type);
+    if (type == block && wanted.size && size != *wanted.size) return Found::otherSize;
     if (type == block) {
       const auto payload = file.subspan(offset + kBlockHeader);
       if (type == ram5) {
-        TakeRamBlock(payload, apply);
+        TakeRamBlock(payload, wanted.apply);
       } else {
         if (size > payload.size()) throw std::out_of_range("Subscript out of range");
-        TakeBlock(type, payload.first(size), apply);
+        TakeBlock(type, payload.first(size), wanted.apply);
       }
       return Found::block;
     }

@@ -57,9 +57,15 @@ class snsFil {
   std::uint8_t BlockOfPlatform();
 
  private:
-  enum class Found { failed, noBlocks, block };
-  Found ReadBlock(const std::string& fileName, std::uint8_t& block, bool reportError, bool apply);
-  Found TakeBlocks(std::span<const std::uint8_t> file, std::uint8_t& block, bool apply);
+  enum class Found { failed, noBlocks, otherSize, block };
+  /// What is wanted of a file. `size`: the block is taken only if it has that many bytes.
+  struct Wanted {
+    std::uint8_t& block;
+    bool apply;
+    std::optional<std::size_t> size = {};
+  };
+  Found ReadBlock(const std::string& fileName, const Wanted& wanted, bool reportError);
+  Found TakeBlocks(std::span<const std::uint8_t> file, const Wanted& wanted);
   void TakeRamBlock(std::span<const std::uint8_t> payload, bool apply);
   void TakeBlock(std::uint32_t type, std::span<const std::uint8_t> payload, bool apply);
 
@@ -69,7 +75,7 @@ class snsFil {
   /// A word of a gas, as the file's bytes in the images give it; nothing if it cannot be had.
   std::optional<float> FileValue(bool isBase, std::uint8_t gas);
   bool SelectSettings(const std::string& fileName, std::int32_t selector);
-  /// Reads a block that must be there.
+  /// Reads a block that must be there, whole.
   bool RequireBlock(const std::string& fileName, std::uint8_t block, bool apply);
   /// What a file must have in common with the sensor.
   std::vector<float> Model(int platform);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -32,6 +33,18 @@ constexpr std::array kWordsOf6{GasWord{36, true, 0}, GasWord{38, false, 0}, GasW
 constexpr std::array kWordsOf61{GasWord{34, true, 0}, GasWord{36, true, 1}, GasWord{58, false, 0},
                                 GasWord{60, false, 1}};
 
+/// A block of a file that is to be loaded is not shorter: what is missing would be merged as zeros.
+std::size_t SizeOf(std::uint8_t block) {
+  switch (block) {
+    case snsFil::ram5:
+      return 240;
+    case snsFil::eeprom:
+      return kEepromBytes;
+    default:
+      return 30 + kEepromBytes;
+  }
+}
+
 std::span<const GasWord> WordsOf(int platform) {
   if (platform == 5) return kWordsOf5;
   if (platform == 6) return kWordsOf6;
@@ -54,7 +67,7 @@ bool snsFil::LoadSettings(const std::string& fileName, std::int32_t selector) {
   const std::vector<float> sensor(image.begin(), image.end());
   try {
     if (TakeSettings(fileName, selector, sensor, image)) return true;
-  } catch (const NoResult& fault) {
+  } catch (const std::exception& fault) {
     session_.Fail(fault.what());
   }
   std::copy(sensor.begin(), sensor.end(), image.begin());
@@ -73,16 +86,18 @@ bool snsFil::TakeSettings(const std::string& fileName, std::int32_t selector, st
   if (!session_.LastError.empty()) return false;
 
   if (platform == 5 && selector != 0) com_.SelectBlock(selector);
+  // A copy, as a fetch has a selection of its own.
+  const auto marks = image_.ReadRequest;
   std::vector<std::pair<GasWord, float>> values;
   for (const auto& word : WordsOf(platform)) {
-    if (image_.ReadRequest[word.mark] != kWholeByte) continue;
+    if (marks[word.mark] != kWholeByte) continue;
     const auto value = FileValue(word.isBase, word.gas);
     // As 0 it would be stored as a position that means another concentration.
     if (!value) return false;
     values.emplace_back(word, *value);
   }
   for (std::size_t i = 0; i < image.size(); ++i) {
-    image[i] = Merged(sensor[i], image_.SetBuffer[i], image_.ReadRequest[i]);
+    image[i] = Merged(sensor[i], image_.SetBuffer[i], marks[i]);
   }
   for (const auto& [word, value] : values) {
     if (word.isBase) {
@@ -91,11 +106,13 @@ bool snsFil::TakeSettings(const std::string& fileName, std::int32_t selector, st
       table_.SetBackgroundWord(word.gas, value);
     }
   }
-  return true;
+  return session_.LastError.empty();
 }
 
 std::optional<float> snsFil::FileValue(bool isBase, std::uint8_t gas) {
-  return isBase ? table_.GetCalibrationBase(gas, true, false) : table_.Background(gas);
+  if (!isBase) return table_.Background(gas);
+  const float base = table_.GetCalibrationBase(gas, true, false);
+  return session_.LastError.empty() ? std::optional(base) : std::nullopt;
 }
 
 bool snsFil::SelectSettings(const std::string& fileName, std::int32_t selector) {
@@ -105,15 +122,17 @@ bool snsFil::SelectSettings(const std::string& fileName, std::int32_t selector) 
 }
 
 bool snsFil::RequireBlock(const std::string& fileName, std::uint8_t block, bool apply) {
-  const auto found = ReadBlock(fileName, block, true, apply);
+  const auto found = ReadBlock(fileName, {block, apply, SizeOf(block)}, true);
   if (found == Found::noBlocks) session_.Fail("Setfile error");
+  if (found == Found::otherSize) session_.Fail("File is damaged " + fileName);
   return found == Found::block;
 }
 
 std::vector<float> snsFil::Model(int platform) {
-  if (platform != 6) return {static_cast<float>(com_.GetPlatform()), info_.GetProductVariant()};
+  // Of another platform nothing more is asked: what is missing would be fetched from this sensor.
+  if (com_.GetPlatform() != platform) return {};
+  if (platform != 6) return {info_.GetProductVariant()};
   std::vector<float> model{static_cast<float>(com_.GetPartNumber())};
-  if (com_.GetPlatform() != platform) return model;
   for (int channel = 0; channel < kChannelsOf6; ++channel) {
     model.push_back(info_.IsChannelPresent(static_cast<float>(channel), false, false) ? 1.0F : 0.0F);
   }

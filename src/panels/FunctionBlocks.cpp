@@ -18,8 +18,10 @@ Group GroupOf(FunctionClass kind) {
       return {FunctionBlocks::digPsignPslope, FunctionBlocks::digNsignNslope};
     case FunctionClass::analog:
       return {FunctionBlocks::nsignNslope, FunctionBlocks::psignPslope};
-    default:
+    case FunctionClass::unsignedAnalog:
       return {FunctionBlocks::pslope, FunctionBlocks::nslope};
+    default:
+      return {FunctionBlocks::digPslope, FunctionBlocks::digNslope};
   }
 }
 
@@ -31,8 +33,10 @@ int TypeOf(FunctionClass kind, bool sign, bool slope) {
     case FunctionClass::analog:
       return sign ? (slope ? FunctionBlocks::psignPslope : FunctionBlocks::psignNslope)
                   : (slope ? FunctionBlocks::nsignPslope : FunctionBlocks::nsignNslope);
-    default:
+    case FunctionClass::unsignedAnalog:
       return slope ? FunctionBlocks::pslope : FunctionBlocks::nslope;
+    default:
+      return slope ? FunctionBlocks::digPslope : FunctionBlocks::digNslope;
   }
 }
 
@@ -42,20 +46,17 @@ int NextType(FunctionClass kind, std::optional<int> type) {
   return *type + 1;
 }
 
-constexpr std::array<const char*, FunctionBlocks::kTypes> kNames{
-    "pctFDigPsignPslope", "pctFDigPsignNslope", "pctFDigNsignPslope", "pctFDigNsignNslope", "pctFNsignNslope",
-    "pctFNsignPslope",    "pctFPsignNslope",    "pctFPsignPslope",    "pctFPslope",         "pctFNslope"};
-
 }  // namespace
 
-FunctionBlocks::FunctionBlocks(Form& form, int count, std::function<FunctionClass(int)> classOf,
+FunctionBlocks::FunctionBlocks(Form& form, int count, int types, std::function<FunctionClass(int)> classOf,
                                const std::function<void()>& changed)
     : classOf_(std::move(classOf)) {
-  for (std::size_t type = 0; type < pictures_.size(); ++type) {
-    pictures_[type] = form.AddArray(ControlKind::picture, kNames[type], count);
+  for (int type = 0; type < types; ++type) {
+    const auto& pictures = pictures_.emplace_back(
+        form.AddArray(ControlKind::picture, kPictures.at(static_cast<std::size_t>(type)), count));
     for (int i = 0; i < count; ++i) {
-      pictures_[type][i].SetVisible(false);
-      pictures_[type][i].onClick = [this, i, changed] {
+      pictures[i].SetVisible(false);
+      pictures[i].onClick = [this, i, changed] {
         FunkTypeUpdate(i, true, false, false);
         changed();
       };
@@ -66,7 +67,9 @@ FunctionBlocks::FunctionBlocks(Form& form, int count, std::function<FunctionClas
 void FunctionBlocks::FunkTypeUpdate(int index, bool step, bool sign, bool slope) {
   const auto kind = classOf_(index);
   const int type = step ? NextType(kind, VisibleType(index)) : TypeOf(kind, sign, slope);
-  for (int i = 0; i < kTypes; ++i) pictures_[static_cast<std::size_t>(i)][index].SetVisible(i == type);
+  for (std::size_t i = 0; i < pictures_.size(); ++i) {
+    pictures_[i][index].SetVisible(static_cast<int>(i) == type);
+  }
 }
 
 void FunctionBlocks::FunkTypeRead(int index, bool& sign, bool& slope) const {
@@ -92,13 +95,13 @@ void FunctionBlocks::FunkTypeRead(int index, bool& sign, bool& slope) const {
       sign = slope = false;
       break;
     default:
-      slope = *type == pslope;
+      slope = *type == pslope || *type == digPslope;
   }
 }
 
 std::optional<int> FunctionBlocks::VisibleType(int index) const {
-  for (int type = 0; type < kTypes; ++type) {
-    if (pictures_[static_cast<std::size_t>(type)][index].Visible()) return type;
+  for (std::size_t type = 0; type < pictures_.size(); ++type) {
+    if (pictures_[type][index].Visible()) return static_cast<int>(type);
   }
   return {};
 }

@@ -11,7 +11,6 @@ constexpr int kDisplayModes = 5;
 constexpr int kDisplayMode = 31;
 constexpr int kTypeOverride = 205;
 constexpr int kId = 208;
-constexpr float kHighestId = 29;
 constexpr float kSpanChannel = 1;
 
 constexpr int kSettingsBlock = 6;
@@ -36,13 +35,7 @@ Panel5::Panel5(const PanelContext& context, const std::string& name, const Capti
   }
   lblDisplayMode.onClick = [this] { ChooseAndStore(lblDisplayMode, mDisplayMode); };
   txbSN.editable = [] { return false; };
-  MakeEditable(
-      txbID,
-      [this] {
-        const float id = ParseNumber(txbID.Text());
-        txbID.SetText(NumberText(id > kHighestId ? kHighestId : id));
-      },
-      nullptr);
+  MakeIdEditable(txbID);
   mExit.onClick = [this] {
     context_.session.LastError = kCancelled;
     context_.EndSession();
@@ -71,17 +64,11 @@ void Panel5::ChooseTempUnit(Control& label, bool isChannel0) {
   FormUpdate();
 }
 
-void Panel5::ChooseAndStore(Control& label, const ControlArray& menu) {
-  PopUp(label, menu);
-  Restore();
-}
-
 bool Panel5::ActionSensorRead() {
   ShowProgress("Reading from sensor", false);
   // Keeps the poll away while the image is empty; a failed read leaves it so.
   cbxSimulated.SetValue(1);
-  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
-  if (!context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false)) return false;
+  if (!ReadAfresh(kWholeRam, false)) return false;
   cbxSimulated.SetValue(0);
   // The gas tables went with the image.
   return context_.definitions.LoadDefinition() && FormUpdate();
@@ -90,7 +77,10 @@ bool Panel5::ActionSensorRead() {
 bool Panel5::ActionSettingsLoad() {
   const auto name = AskForFile(UserInterface::FileUse::open, "Loading settings");
   if (!name) return true;
-  return context_.file.LoadSettings(*name, kSettingsBlock) && FormUpdate();
+  const bool loaded = context_.file.LoadSettings(*name, kSettingsBlock);
+  // A file that was refused may have brought its own definition in.
+  FormUpdate();
+  return loaded;
 }
 
 bool Panel5::ActionSettingsSave() {

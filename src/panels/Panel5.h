@@ -37,7 +37,6 @@ class Panel5 : public PanelFrame {
   void ReadIdentity();
   /// Asks for C or F on the label of a channel; what the label of channel 0 reads is stored.
   void ChooseTempUnit(Control& label, bool isChannel0);
-  void ChooseAndStore(Control& label, const ControlArray& menu);
 };
 
 }  // namespace brelant

@@ -11,7 +11,6 @@ namespace {
 
 constexpr double kPollPeriod = 2.0;
 constexpr double kDay = 86400;
-constexpr int kEnterKey = 13;
 
 constexpr const char* kTitle = "KVX3.0";
 constexpr const char* kSimulatedTitle = "KVX3.0 Simulated mode";
@@ -103,8 +102,7 @@ void PanelFrame::RunCommand() {
   if (session.Over()) return;
   session.PanelCommand = 0;
   if (!session.LastError.empty() && session.LastError != kCancelled) {
-    context_.machine.userInterface.MessageBox(session.LastError, UserInterface::Buttons::ok, "",
-                                              UserInterface::Icon::none);
+    context_.machine.userInterface.Tell(session.LastError);
   }
   session.LastError.clear();
   ShowProgress("", true);
@@ -139,6 +137,18 @@ bool PanelFrame::RunAction(int command) {
     default:
       return true;
   }
+}
+
+bool PanelFrame::ReadAfresh(std::int32_t selector, bool isEeprom) {
+  const auto before = context_.image;
+  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
+  if (context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false)) return true;
+  context_.image = before;
+  return false;
+}
+
+void PanelFrame::TellNoSensor() {
+  context_.machine.userInterface.Tell("No sensor detected, entering simulated mode.");
 }
 
 std::optional<std::string> PanelFrame::AskForFile(UserInterface::FileUse use, const std::string& text) {
@@ -198,8 +208,7 @@ void PanelFrame::PollWhenDue(double& lastPoll) {
   if (session.Over()) return;
   if (polled) ++session.polls;
   if (failed && session.LastError != kCancelled) {
-    context_.machine.userInterface.MessageBox("No sensor detected, entering simulated mode.",
-                                              UserInterface::Buttons::ok, "", UserInterface::Icon::none);
+    TellNoSensor();
     SimMode(true);
   }
   session.LastError.clear();
@@ -253,6 +262,14 @@ void PanelFrame::MakeEditable(Control& field, std::function<void()> check) {
   MakeEditable(field, std::move(check), [this] { Restore(); });
 }
 
+void PanelFrame::MakeIdEditable(Control& field) {
+  const auto limit = [&field] {
+    constexpr float kHighestId = 29;
+    field.SetText(NumberText(std::min(ParseNumber(field.Text()), kHighestId)));
+  };
+  MakeEditable(field, limit, nullptr);
+}
+
 void PanelFrame::Restore() {
   FormRead();
   FormUpdate();
@@ -266,6 +283,11 @@ void PanelFrame::PopUp(Control& label, const ControlArray& menu) {
   }
   const auto choice = context_.machine.userInterface.PopupMenu(captions);
   if (choice) PopupTarget->SetText(captions.at(*choice));
+}
+
+void PanelFrame::ChooseAndStore(Control& label, const ControlArray& menu) {
+  PopUp(label, menu);
+  Restore();
 }
 
 std::optional<int> PanelFrame::FindCaption(const ControlArray& menu, int count, const std::string& caption) {

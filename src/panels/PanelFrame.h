@@ -74,6 +74,8 @@ class PanelFrame : public Panel {
     vavMin = 16
   };
 
+  static constexpr int kEnterKey = 13;
+
   /// What is not the same on all panels.
   struct Captions {
     std::string simulated;
@@ -126,6 +128,10 @@ class PanelFrame : public Panel {
   void Request(Command command);
   /// Runs the span calibration with the text that the user typed.
   virtual bool CalibrateSpan(const std::string& text) = 0;
+  /// Empties the image and reads a block of the sensor. An image that was not read whole comes back as it
+  /// was: nothing of it may be sent, saved or calibrated as zeros.
+  bool ReadAfresh(std::int32_t selector, bool isEeprom);
+  void TellNoSensor();
   /// The name of a settings file, asked for; nothing if there is none. `text` is then shown as progress.
   std::optional<std::string> AskForFile(UserInterface::FileUse use, const std::string& text);
 
@@ -135,8 +141,13 @@ class PanelFrame : public Panel {
   void Restore();
   void MakeEditable(Control& field, std::function<void()> check = {});
 
+  /// The bus ID: up to 29, and stored when the form is next taken.
+  void MakeIdEditable(Control& field);
+
   /// Pops up the visible entries of a menu; the choice, if there is one, becomes the text of the label.
   void PopUp(Control& label, const ControlArray& menu);
+  /// The same, and the form is taken and filled again.
+  void ChooseAndStore(Control& label, const ControlArray& menu);
   /// Index of the entry with that caption among the first `count`, a visible one before a hidden one.
   static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
 

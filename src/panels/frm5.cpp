@@ -17,7 +17,6 @@ namespace {
 constexpr int kShiftAmount = 32;
 constexpr int kOutputKind = 57;
 constexpr int kFunctionBase = 162;
-constexpr int kFunctionSize = 5;
 constexpr int kTriggerTime = 187;
 constexpr int kTriggerLevel = 188;
 constexpr int kOutputBase = 189;
@@ -26,7 +25,6 @@ constexpr int kOutputWord = 197;
 constexpr int kShiftChannel = 207;
 constexpr int kLiveWord = 20;
 
-constexpr int kFlag = 128;
 constexpr int kSevenBits = 127;
 constexpr int kTriggerFeeds = 32;
 constexpr int kDigital = 64;
@@ -41,9 +39,6 @@ constexpr std::uint8_t kTWAPart = 231;
 
 constexpr int kSettingsBlock = 6;
 
-int FunctionRecord(int function) {
-  return kFunctionBase + kFunctionSize * function;
-}
 int OutputRecord(int output) {
   return kOutputBase + kOutputSize * output;
 }
@@ -67,36 +62,20 @@ frm5::frm5(const PanelContext& context)
       lblCH_Type(form.AddArray(ControlKind::label, "lblCH_Type", 3)),
       pctChannel(form.AddArray(ControlKind::picture, "pctChannel", 5)),
       txbCHact(form.AddArray(ControlKind::text, "txbCHact", kChannels)),
-      lblFchannel(form.AddArray(ControlKind::label, "lblFchannel", kFunctions)),
-      txbFa(form.AddArray(ControlKind::text, "txbFa", kFunctions)),
-      lblFaUnit(form.AddArray(ControlKind::label, "lblFaUnit", kFunctions)),
-      txbFb(form.AddArray(ControlKind::text, "txbFb", kFunctions)),
-      lblFbUnit(form.AddArray(ControlKind::label, "lblFbUnit", kFunctions)),
-      cbxFout1(form.AddArray(ControlKind::check, "cbxFout1", kFunctions)),
-      cbxFout2(form.AddArray(ControlKind::check, "cbxFout2", kFunctions)),
-      functions(
-          form, kFunctions, [this](int function) { return ClassOf(function); }, [this] { Restore(); }),
+      rows(form, {kFunctions, kOutputs},
+           {[this](int function) { return ClassOf(function); },
+            [this](Control& field) { MakeEditable(field); }, [this] { Restore(); }}),
+      trigger(form, kOutputs, context.machine.clock,
+              {[this](Control& field) { MakeEditable(field); }, [this] { Restore(); },
+               [this](Control& label, const ControlArray& menu) { ChooseAndStore(label, menu); }}),
       optOut5V(form.AddArray(ControlKind::option, "optOut5V", kOutputs)),
       optOut5mA(form.AddArray(ControlKind::option, "optOut5mA", kOutputs)),
       optOut5Digital(form.AddArray(ControlKind::option, "optOut5Digital", kOutputs)),
       txbOutBaseLine(form.AddArray(ControlKind::text, "txbOutBaseLine", kOutputs)),
       txbOutIntTime(form.AddArray(ControlKind::text, "txbOutIntTime", kOutputs)),
       txbOutOut(form.AddArray(ControlKind::text, "txbOutOut", kOutputs)),
-      cbxDigTout1(form.Add(ControlKind::check, "cbxDigTout1", "Out 1")),
-      cbxDigTout2(form.Add(ControlKind::check, "cbxDigTout2", "Out 2")),
-      txbDigTtime(form.Add(ControlKind::text, "txbDigTtime")),
-      lblDigTunit(form.Add(ControlKind::label, "lblDigTunit")),
-      txbDigTlevel(form.Add(ControlKind::text, "txbDigTlevel")),
-      pctDigTPsign(form.Add(ControlKind::picture, "pctDigTPsign")),
-      pctDigTNsign(form.Add(ControlKind::picture, "pctDigTNsign")),
-      linDigTPsign(form.Add(ControlKind::bar, "linDigTPsign")),
-      linDigTNsign(form.Add(ControlKind::bar, "linDigTNsign")),
-      btnDigTrig(form.Add(ControlKind::button, "btnDigTrig", "Trigger")),
       mChannels(form.AddMenu("", "mChannels", "Channels")),
       mCHannel(form.AddArray(ControlKind::menu, "mCHannel", 5)),
-      mTimeUnits(form.AddMenu("", "mTimeUnits", "Time unit")),
-      mTimeUnitMin(form.AddMenu("mTimeUnits", "mTimeUnitMin", "Min")),
-      mTimeUnitSec(form.AddMenu("mTimeUnits", "mTimeUnitSec", "Sec")),
       outputLabels_{AddOutputLabels({42, 49, 38, 50}), AddOutputLabels({12, 15, 11, 16})} {
   SetMenus();
   SetRules();
@@ -112,7 +91,7 @@ frm5::Labels frm5::AddOutputLabels(const std::array<int, 4>& indexes) {
 }
 
 void frm5::SetMenus() {
-  for (auto* menu : {&mChannels, &mTimeUnits}) menu->SetVisible(false);
+  mChannels.SetVisible(false);
   for (auto* entry : mCHannel) entry->parent = mChannels.Name();
 }
 
@@ -123,8 +102,6 @@ void frm5::SetRules() {
     MakeEditable(*field);
   }
   MakeEditable(txbShiftBamount);
-  MakeEditable(txbDigTtime);
-  MakeEditable(txbDigTlevel);
   for (int j = 0; j < kOutputs; ++j) {
     MakeEditable(txbOutBaseLine[j]);
     auto& time = txbOutIntTime[j];
@@ -140,30 +117,11 @@ void frm5::SetRules() {
     optOut5Digital[j].SetText("Digital");
   }
   for (int i = 0; i < kFunctions; ++i) {
-    MakeEditable(txbFa[i]);
-    MakeEditable(txbFb[i]);
-    lblFchannel[i].onClick = [this, i] { ChooseFunctionChannel(i); };
-    cbxFout1[i].SetText("Out 1");
-    cbxFout2[i].SetText("Out 2");
-    cbxFout1[i].onClick = cbxFout2[i].onClick = [this] { Restore(); };
+    rows.lblFchannel[i].onClick = [this, i] { ChooseFunctionChannel(i); };
   }
-  cbxDigTout1.onClick = cbxDigTout2.onClick = [this] { Restore(); };
-  lblDigTunit.onClick = [this] { ChooseAndStore(lblDigTunit, ControlArray({&mTimeUnitMin, &mTimeUnitSec})); };
   lblShiftb.onClick = [this] { ChooseShiftChannel(); };
   for (int i = 0; i < lblCH_Type.Count(); ++i)
     lblCH_Type[i].onClick = [this, i] { ChooseTempUnit(lblCH_Type[i], i == 0); };
-  pctDigTPsign.onClick = [this] {
-    txbDigTlevel.SetText("-" + txbDigTlevel.Text());
-    ShowDigitalTriggerSign(true);
-  };
-  pctDigTNsign.onClick = [this] {
-    txbDigTlevel.SetText(NumberText(-ParseNumber(txbDigTlevel.Text())));
-    ShowDigitalTriggerSign(false);
-  };
-  linDigTPsign.SetVisible(false);
-  linDigTNsign.SetVisible(false);
-  btnDigTrig.SetVisible(false);
-  btnDigTrig.onClick = [this] { StartTrigger(); };
 }
 
 // Filling the form
@@ -193,7 +151,10 @@ bool frm5::FormUpdate() {
   UpdateIdentity();
   UpdateGeneral();
   for (int j = 0; j < kOutputs; ++j) UpdateOutput(j);
-  for (int i = 0; i < kFunctions; ++i) UpdateFunction(i);
+  for (int i = 0; i < kFunctions; ++i) {
+    const float channel = FunctionRecord(i)[0];
+    rows.Update(i, FunctionRecord(i), channel, CaptionAt(mCHannel, Bits(channel)), context_.info);
+  }
   UpdateTrigger();
   if (Simulated()) Simulate();
   return true;
@@ -216,25 +177,17 @@ float frm5::ShiftChannel() {
   return static_cast<float>(Bits(Ram(kShiftChannel)) & 15);
 }
 
-void frm5::UpdateFunction(int function) {
-  const int record = FunctionRecord(function);
-  const float channel = Ram(record);
-  const auto word = [&](int address) {
-    return static_cast<float>((Bits(Ram(address)) & kSevenBits) * 256) + Ram(address + 1);
-  };
-  lblFchannel[function].SetText(CaptionAt(mCHannel, Bits(channel)));
-  txbFa[function].SetText(context_.info.RawToText(word(record + 1), channel, false));
-  txbFb[function].SetText(context_.info.RawToText(word(record + 3), channel, false));
-  lblFaUnit[function].SetText(context_.info.GetChannelUnit(channel));
-  lblFbUnit[function].SetText(lblFaUnit[function].Text());
-  functions.FunkTypeUpdate(function, false, HasBit(Ram(record + 1), kFlag), HasBit(Ram(record + 3), kFlag));
+std::span<float> frm5::FunctionRecord(int function) {
+  return std::span(context_.image.RamImage)
+      .subspan(static_cast<std::size_t>(kFunctionBase + FunctionRows::kRecordSize * function),
+               FunctionRows::kRecordSize);
 }
 
 void frm5::UpdateOutput(int output) {
   const int record = OutputRecord(output);
-  const auto& feeds = output == 0 ? cbxFout1 : cbxFout2;
+  const auto& feeds = rows.FeedsOf(output);
   for (int i = 0; i < kFunctions; ++i) feeds[i].SetValue(HasBit(Ram(record), 1 << i) ? 1 : 0);
-  (output == 0 ? cbxDigTout1 : cbxDigTout2).SetValue(HasBit(Ram(record), kTriggerFeeds) ? 1 : 0);
+  trigger.cbxDigTout[output].SetValue(HasBit(Ram(record), kTriggerFeeds) ? 1 : 0);
 
   const bool digital = HasBit(Ram(record), kDigital);
   const bool from20 = HasBit(Ram(kOutputKind), KindBit(output));
@@ -249,19 +202,10 @@ void frm5::UpdateOutput(int output) {
 }
 
 void frm5::UpdateTrigger() {
-  const int time = Bits(Ram(kTriggerTime));
-  txbDigTtime.SetText(NumberText(static_cast<float>(time & kSevenBits) / 4));
-  lblDigTunit.SetText((time & kFlag) != 0 ? mTimeUnitMin.Text() : mTimeUnitSec.Text());
-  const int level = Bits(Ram(kTriggerLevel));
-  const bool negative = (level & kFlag) != 0;
-  const double percent = Fix((level & kSevenBits) / 127.0 * 100);
-  txbDigTlevel.SetText((negative ? "-" : "") + NumberText(static_cast<float>(percent)));
-  ShowDigitalTriggerSign(negative);
-}
-
-void frm5::ShowDigitalTriggerSign(bool negative) {
-  pctDigTPsign.SetVisible(!negative);
-  pctDigTNsign.SetVisible(negative);
+  const float time = Ram(kTriggerTime);
+  trigger.txbDigTtime.SetText(NumberText(static_cast<float>(Bits(time) & kSevenBits) / 4));
+  trigger.ShowUnit(time);
+  trigger.triggerLevel.Show(Ram(kTriggerLevel), Fix);
 }
 
 bool frm5::FormUpdateM() {
@@ -297,7 +241,7 @@ bool frm5::FormRead() {
   if (!ReadExponents(exponents)) return false;
   ReadIdentity();
   ReadShift();
-  for (int i = 0; i < kFunctions; ++i) ReadFunction(i);
+  for (int i = 0; i < kFunctions; ++i) rows.Read(i, FunctionRecord(i), FunctionRecord(i)[0], context_.info);
   for (int j = 0; j < kOutputs; ++j) ReadOutput(j, exponents.at(static_cast<std::size_t>(j)));
   ReadTrigger();
   return true;
@@ -327,28 +271,13 @@ void frm5::ReadShift() {
   Ram(kShiftAmount) = AsByte(channel * 32 + amount);
 }
 
-void frm5::ReadFunction(int function) {
-  const int record = FunctionRecord(function);
-  const float channel = Ram(record);
-  bool sign = HasBit(Ram(record + 1), kFlag);
-  bool slope = HasBit(Ram(record + 3), kFlag);
-  functions.FunkTypeRead(function, sign, slope);
-  const auto store = [&](int address, const std::string& text, bool flag) {
-    float raw = context_.info.TextToRaw(text, channel, false);
-    Ram(address) = static_cast<float>((HighByte(raw) & kSevenBits) + (flag ? kFlag : 0));
-    Ram(address + 1) = LowByte(raw);
-  };
-  store(record + 1, txbFa[function].Text(), sign);
-  store(record + 3, txbFb[function].Text(), slope);
-}
-
 void frm5::ReadOutput(int output, float exponent) {
   const int record = OutputRecord(output);
-  const auto& feeds = output == 0 ? cbxFout1 : cbxFout2;
+  const auto& feeds = rows.FeedsOf(output);
   const bool digital = optOut5Digital[output].Value() == 1;
   int bits = Bits(Ram(record)) & kUnknownBit;
   for (int i = 0; i < kFunctions; ++i) bits |= feeds[i].Value() << i;
-  bits |= (output == 0 ? cbxDigTout1 : cbxDigTout2).Value() * kTriggerFeeds;
+  bits |= trigger.cbxDigTout[output].Value() * kTriggerFeeds;
   bits |= digital ? kDigital : 0;
   Ram(record) = static_cast<float>(bits);
 
@@ -363,21 +292,19 @@ void frm5::ReadOutput(int output, float exponent) {
 }
 
 void frm5::ReadTrigger() {
-  const int time = Bits(ParseNumber(txbDigTtime.Text()) * 4) & kSevenBits;
-  const bool minutes = lblDigTunit.Text() == mTimeUnitMin.Text();
-  Ram(kTriggerTime) = static_cast<float>(time + (minutes ? kFlag : 0));
-  const double level = ParseNumber(txbDigTlevel.Text());
-  const int size = Bits(static_cast<float>(std::abs(level / 100 * kSevenBits))) & kSevenBits;
-  Ram(kTriggerLevel) = static_cast<float>(size + (level < 0 ? kFlag : 0));
+  const int time = Bits(ParseNumber(trigger.txbDigTtime.Text()) * 4) & kSevenBits;
+  Ram(kTriggerTime) = static_cast<float>(time + trigger.UnitBit());
+  Ram(kTriggerLevel) = trigger.triggerLevel.Byte();
 }
 
 // The user's choices
 
 void frm5::ChooseFunctionChannel(int function) {
   FormRead();
-  PopUp(lblFchannel[function], mCHannel);
-  const auto channel = FindCaption(mCHannel, kChannels, lblFchannel[function].Text());
-  if (channel) Ram(FunctionRecord(function)) = static_cast<float>(*channel);
+  auto& label = rows.lblFchannel[function];
+  PopUp(label, mCHannel);
+  const auto channel = FindCaption(mCHannel, kChannels, label.Text());
+  if (channel) FunctionRecord(function)[0] = static_cast<float>(*channel);
   FormUpdate();
 }
 
@@ -415,7 +342,7 @@ bool frm5::ActionTWAReset() {
 
 void frm5::SimMode(bool on) {
   Panel5::SimMode(on);
-  btnDigTrig.SetVisible(on);
+  trigger.btnDigTrig.SetVisible(on);
 }
 
 void frm5::Simulate() {
@@ -436,21 +363,22 @@ void frm5::Simulate() {
 double frm5::OutputSum(int output) const {
   double sum = optOut5Digital[output].Value() == 1 ? 0 : ParseNumber(txbOutBaseLine[output].Text());
   sum = FunctionSum(output, sum);
-  if ((output == 0 ? cbxDigTout1 : cbxDigTout2).Value() == 1) {
-    const double level = ParseNumber(txbDigTlevel.Text());
-    if (linDigTPsign.Visible() || linDigTNsign.Visible()) sum += level;
+  if (trigger.cbxDigTout[output].Value() == 1) {
+    const double level = ParseNumber(trigger.txbDigTlevel.Text());
+    if (trigger.Active()) sum += level;
     // A negative trigger counts double.
-    if (linDigTNsign.Visible()) sum += level;
+    if (trigger.linDigTNsign.Visible()) sum += level;
   }
   return LimitSum(sum);
 }
 
 double frm5::FunctionSum(int output, double sum) const {
   for (int i = 0; i < kFunctions; ++i) {
-    const auto type = functions.VisibleType(i);
-    const auto x = FunctionInput(lblFchannel[i].Text());
-    if (!FeedsOutput(i, output) || !x || !type) continue;
-    sum += FunctionContribution(*type, *x, ParseNumber(txbFa[i].Text()), ParseNumber(txbFb[i].Text()));
+    const auto type = rows.functions.VisibleType(i);
+    const auto x = FunctionInput(rows.lblFchannel[i].Text());
+    if (!rows.FeedsOutput(i, output) || !x || !type) continue;
+    sum +=
+        FunctionContribution(*type, *x, ParseNumber(rows.txbFa[i].Text()), ParseNumber(rows.txbFb[i].Text()));
     sum = LimitSum(sum);
   }
   return sum;
@@ -465,53 +393,18 @@ std::optional<double> frm5::FunctionInput(const std::string& channel) const {
   return {};
 }
 
-bool frm5::FeedsOutput(int function, int output) const {
-  return (output == 0 ? cbxFout1 : cbxFout2)[function].Value() == 1;
-}
-
 FunctionClass frm5::ClassOf(int function) const {
-  for (int j = 0; j < kOutputs; ++j) {
-    if (FeedsOutput(function, j) && optOut5Digital[j].Value() == 1) return FunctionClass::digital;
-  }
-  return FunctionClass::analog;
-}
-
-void frm5::StartTrigger() {
-  const double time = ParseNumber(txbDigTtime.Text());
-  if (time == 0 || TriggerRuns()) return;
-  const bool seconds = lblDigTunit.Text() == mTimeUnitSec.Text();
-  // The byte in the sensor ends far below the limit, the text that a user has just typed need not.
-  constexpr double kLongest = 86400;
-  const auto length = std::chrono::duration<double>(std::clamp(seconds ? time : time * 60, 0.0, kLongest));
-  const auto now = context_.machine.clock.Now();
-  trigger_ = Trigger{now, now + std::chrono::duration_cast<std::chrono::microseconds>(length)};
-  auto& line = pctDigTPsign.Visible() ? linDigTPsign : linDigTNsign;
-  line.SetValue(0);
-  line.SetVisible(true);
-}
-
-void frm5::MoveTrigger() {
-  if (!TriggerRuns() || ParseNumber(txbDigTtime.Text()) == 0) return;
-  const auto now = context_.machine.clock.Now();
-  if (now >= trigger_->end) {
-    linDigTPsign.SetVisible(false);
-    linDigTNsign.SetVisible(false);
-    trigger_.reset();
-    return;
-  }
-  const auto ratio = std::chrono::duration<double>(now - trigger_->start) / (trigger_->end - trigger_->start);
-  linDigTPsign.SetValue(static_cast<int>(ratio * 100));
-  linDigTNsign.SetValue(linDigTPsign.Value());
+  return rows.FeedsDigital(function, optOut5Digital) ? FunctionClass::digital : FunctionClass::analog;
 }
 
 void frm5::SimulatedPass() {
-  MoveTrigger();
+  trigger.Move();
   Simulate();
 }
 
 std::optional<milliseconds> frm5::SimulatedPeriod() const {
   // Often enough for a bar that runs smoothly.
-  if (TriggerRuns()) return milliseconds(40);
+  if (trigger.Runs()) return milliseconds(40);
   return {};
 }
 

@@ -4,9 +4,11 @@
 #include <array>
 #include <chrono>
 #include <optional>
+#include <span>
 #include <string>
 
-#include "panels/FunctionBlocks.h"
+#include "panels/DigitalTrigger.h"
+#include "panels/FunctionRows.h"
 #include "panels/Panel5.h"
 
 namespace brelant {
@@ -41,14 +43,8 @@ class frm5 : public Panel5 {
   ControlArray pctChannel;
   ControlArray txbCHact;
 
-  ControlArray lblFchannel;
-  ControlArray txbFa;
-  ControlArray lblFaUnit;
-  ControlArray txbFb;
-  ControlArray lblFbUnit;
-  ControlArray cbxFout1;
-  ControlArray cbxFout2;
-  FunctionBlocks functions;
+  FunctionRows rows;
+  DigitalTrigger trigger;
 
   ControlArray optOut5V;
   ControlArray optOut5mA;
@@ -57,22 +53,8 @@ class frm5 : public Panel5 {
   ControlArray txbOutIntTime;
   ControlArray txbOutOut;
 
-  Control& cbxDigTout1;
-  Control& cbxDigTout2;
-  Control& txbDigTtime;
-  Control& lblDigTunit;
-  Control& txbDigTlevel;
-  Control& pctDigTPsign;
-  Control& pctDigTNsign;
-  Control& linDigTPsign;
-  Control& linDigTNsign;
-  Control& btnDigTrig;
-
   Control& mChannels;
   ControlArray mCHannel;
-  Control& mTimeUnits;
-  Control& mTimeUnitMin;
-  Control& mTimeUnitSec;
 
  protected:
   const ControlArray& LiveFields() const override { return txbCHact; }
@@ -80,10 +62,6 @@ class frm5 : public Panel5 {
   std::optional<std::chrono::milliseconds> SimulatedPeriod() const override;
 
  private:
-  struct Trigger {
-    std::chrono::microseconds start;
-    std::chrono::microseconds end;
-  };
   using Labels = std::array<Control*, 4>;
 
   void SetRules();
@@ -91,19 +69,16 @@ class frm5 : public Panel5 {
   Labels AddOutputLabels(const std::array<int, 4>& indexes);
 
   float ShiftChannel();
-  bool FeedsOutput(int function, int output) const;
   FunctionClass ClassOf(int function) const;
+  std::span<float> FunctionRecord(int function);
 
   void UpdateGeneral();
-  void UpdateFunction(int function);
   void UpdateOutput(int output);
   void UpdateTrigger();
   bool ReadExponents(std::array<float, kOutputs>& exponents);
   void ReadShift();
-  void ReadFunction(int function);
   void ReadOutput(int output, float exponent);
   void ReadTrigger();
-  void ShowDigitalTriggerSign(bool negative);
 
   void ChooseFunctionChannel(int function);
   void ChooseShiftChannel();
@@ -111,12 +86,8 @@ class frm5 : public Panel5 {
   double OutputSum(int output) const;
   double FunctionSum(int output, double sum) const;
   std::optional<double> FunctionInput(const std::string& channel) const;
-  void StartTrigger();
-  void MoveTrigger();
-  bool TriggerRuns() const { return trigger_.has_value(); }
 
   std::array<Labels, kOutputs> outputLabels_;
-  std::optional<Trigger> trigger_;
 };
 
 }  // namespace brelant

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "comm/platform_rule.h"
+#include "panels/flagged_word.h"
 #include "shell/Common.h"
 
 namespace brelant {
@@ -22,8 +23,6 @@ constexpr int kVariant = 226;
 constexpr int kAlarms = 255;
 
 constexpr int kTempAlarmEnabled = 128;
-constexpr int kFlag = 128;
-constexpr int kSevenBits = 127;
 constexpr int kRelayBits = 31;
 constexpr float kTWAChannel = 3;
 constexpr float kTWAType = 15;
@@ -117,6 +116,8 @@ void frm5Chart::SetRules() {
 // Filling the form
 
 bool frm5Chart::FormUpdate() {
+  // Before the type is overwritten, as a reload would bring its own.
+  context_.definitions.RequireDefinition();
   context_.definitions.Channel(static_cast<int>(kTWAChannel)).ChannelType = kTWAType;
   cbxTWAonP0.SetValue(Ram(kFunctionChannel) == kTWADrivesP0 ? 1 : 0);
   if (!TWAOnP0()) Ram(kUnits) = Ram(kTypeOverride);
@@ -146,9 +147,8 @@ float frm5Chart::ShownChannel(int level) const {
 
 void frm5Chart::UpdateLevel(int level) {
   const int address = LevelOf(level).aAddress + (LevelOf(level).isA ? 0 : 2);
-  const float word = static_cast<float>((Bits(Ram(address)) & kSevenBits) * 256) + Ram(address + 1);
   const float channel = ShownChannel(level);
-  txbKelLevel[level].SetText(context_.info.RawToText(word, channel, false));
+  txbKelLevel[level].SetText(context_.info.RawToText(WordOf(Bytes(address)), channel, false));
   lblFKelunit[level].SetText(context_.info.GetChannelUnit(channel));
   cbxKelrelay[level].SetValue(HasBit(Ram(kRelays), 1 << level) ? 1 : 0);
 }
@@ -203,9 +203,7 @@ void frm5Chart::ReadLevel(int level) {
   const auto& rule = LevelOf(level);
   const float raw = context_.info.TextToRaw(txbKelLevel[level].Text(), rule.channel, false);
   const auto store = [this](int address, float word) {
-    const int flag = Bits(Ram(address)) & kFlag;
-    Ram(address) = static_cast<float>((HighByte(word) & kSevenBits) + flag);
-    Ram(address + 1) = LowByte(word);
+    StoreWord(Bytes(address), word, FlagOf(Bytes(address)));
   };
   store(rule.aAddress, raw + rule.bandToA);
   store(rule.aAddress + 2, raw + rule.bandToB);
@@ -227,8 +225,7 @@ bool frm5Chart::ActionSensorReadM() {
   if (read(kState, 1, true) && read(kLiveWord, 8, true) && read(kAlarms, 1, false)) return FormUpdateM();
   // The loop tells of a failed poll too, unless it was cancelled.
   if (context_.session.Over()) return false;
-  context_.machine.userInterface.MessageBox("No sensor detected, entering simulated mode.",
-                                            UserInterface::Buttons::ok, "", UserInterface::Icon::none);
+  TellNoSensor();
   cbxSimulated.SetValue(1);
   return false;
 }

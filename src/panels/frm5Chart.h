@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ class frm5Chart : public Panel5 {
 
  private:
   void SetRules();
+  std::span<float> Bytes(int address) {
+    return std::span(context_.image.RamImage).subspan(static_cast<std::size_t>(address), 2);
+  }
   void SetDisplayModes();
   void UpdateLevel(int level);
   void ReadLevel(int level);

@@ -24,6 +24,12 @@ double FunctionContribution(int type, double x, double a, double b) {
     case FunctionBlocks::nsignNslope:
     case FunctionBlocks::digNsignNslope:
       return -part;
+    case FunctionBlocks::pslope:
+    case FunctionBlocks::digPslope:
+      return 2 * part - 100;
+    case FunctionBlocks::nslope:
+    case FunctionBlocks::digNslope:
+      return 100 - 2 * part;
     default:
       return part - 100;
   }
@@ -34,11 +40,14 @@ double LimitSum(double sum) {
 }
 
 double OutputOf(double sum, bool digital, double shown) {
-  if (digital) {
-    if (sum > 0 && sum < 100) sum = shown;
-    if (sum != 100) sum = 0;
-  }
+  if (digital && sum > 0 && sum < 100) sum = shown;
+  if (digital && sum != 100) sum = 0;
   return std::clamp(sum, 0.0, 100.0);
+}
+
+double KeptOutputOf(double sum, bool digital, double shown) {
+  const double limited = std::clamp(sum, 0.0, 100.0);
+  return digital && limited > 0 && limited < 100 ? shown : limited;
 }
 
 }  // namespace brelant

@@ -16,4 +16,7 @@ double LimitSum(double sum);
 /// either 0 or 100.
 double OutputOf(double sum, bool digital, double shown);
 
+/// The same on platform 6, where a digital output shows what it keeps.
+double KeptOutputOf(double sum, bool digital, double shown);
+
 }  // namespace brelant

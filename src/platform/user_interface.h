@@ -17,6 +17,8 @@ class UserInterface {
 
   virtual ~UserInterface() = default;
 
+  /// A box with a text and an OK button.
+  void Tell(const std::string& text) { MessageBox(text, Buttons::ok, "", Icon::none); }
   virtual Reply MessageBox(const std::string& text, Buttons buttons, const std::string& title, Icon icon) = 0;
   /// Nothing if cancelled.
   virtual std::optional<std::string> InputBox(const std::string& prompt) = 0;

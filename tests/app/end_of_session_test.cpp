@@ -67,8 +67,8 @@ TEST_F(EndOfSessionTest, TakesTheFormFirst) {
     auto& form = Panel().form;
     form.GainFocus(Panel().txbID);
     form.ChangeText(Panel().txbID, "12");
-    form.GainFocus(Panel().txbFa[0]);
-    form.ChangeText(Panel().txbFa[0], "401");
+    form.GainFocus(Panel().rows.txbFa[0]);
+    form.ChangeText(Panel().rows.txbFa[0], "401");
     form.Close();
   });
   bench.Run();
@@ -89,7 +89,7 @@ TEST_F(EndOfSessionTest, NothingOfTheOldFileStays) {
 TEST_F(EndOfSessionTest, TheSensorIsLeftAsItIs) {
   bench.StartSingle();
   bench.When("frm5", [&] {
-    Panel().txbFa[0].SetText("401");
+    Panel().rows.txbFa[0].SetText("401");
     Panel().form.Close();
   });
   bench.Run();
@@ -217,13 +217,13 @@ TEST_F(EndOfSessionTest, TheNextSessionCanBeTheLastOneSimulated) {
   bench.files.Put("C:\\KVX\\Last.sim", {1});
   bench.StartSingle();
   bench.When("frm5", [&] {
-    Panel().txbFa[0].SetText("401");
+    Panel().rows.txbFa[0].SetText("401");
     Panel().form.Close();
   });
   bench.StartSimulated("Last");
   std::string level;
   bench.When("frm5", [&] {
-    level = Panel().txbFa[0].Text();
+    level = Panel().rows.txbFa[0].Text();
     Panel().form.Close();
   });
   bench.Run();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/program_bench.h"
 #include "app/settings_file.h"
+#include "panels/frm5_chart_fixture.h"
 
 namespace brelant {
 namespace {
@@ -98,6 +99,36 @@ TEST_F(LastSettingsTest, AreThoseOfTheNewestSession) {
   LiveSession("frm5");
   SimulatedSession("frm5", [this] { EXPECT_EQ(bench.Control("frm5", "txbSN").Text(), "10401043"); });
   EXPECT_EQ(looks, 3);
+}
+
+/// A panel of platform 5, and a sensor's RAM that opens it.
+struct Opened {
+  const char* panel;
+  RamBytes ram;
+};
+
+TEST_F(LastSettingsTest, AreTheOldOnesAfterAReadThatFailed) {
+  bench.files.Put("C:\\KVX\\DEF00104.PDT", test::DefinitionFile(test::ChartChannels()));
+  for (const auto& [panel, ram] :
+       {Opened{"frm5", SampleRam()}, Opened{"frm5Chart", test::SampleChartRam()}}) {
+    bench.Hold(ram);
+    bench.Make();
+    bench.StartSingle();
+    const auto answer = bench.port.onOutput;
+    bench.When(panel, [&, name = panel] {
+      bench.port.sensor.ForgetFrames();
+      bench.port.onOutput = [&](const test::Bytes& bytes) {
+        if (bench.port.sensor.Frames().size() < 20) answer(bytes);
+      };
+      EXPECT_TRUE(bench.Click(name, "mReadfromsensor"));
+      bench.After(std::chrono::seconds(60), [this] { CurrentPanel().form.Close(); });
+    });
+    bench.Run();
+    EXPECT_THAT(bench.ui.Texts(), testing::ElementsAre("Can't read from sensor")) << panel;
+    EXPECT_EQ(bench.files.Get(kLast), test::SettingsFile5(ram)) << panel;
+    bench.ui.messages.clear();
+    bench.port.onOutput = answer;
+  }
 }
 
 TEST_F(LastSettingsTest, CanBeLoadedIntoTheSensorTheyCameFrom) {

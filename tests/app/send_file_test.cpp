@@ -166,6 +166,76 @@ TEST_F(SendFile5Test, AFileOfAnotherVariantIsRefused) {
   }
 }
 
+/// A file of one protocol generation for a sensor of the other; the variant is the same.
+struct OtherGeneration {
+  std::uint8_t sensorPart;
+  std::uint8_t filePart;
+  Bytes save;
+};
+class SendFileOfOtherGenerationTest : public testing::TestWithParam<OtherGeneration> {};
+INSTANTIATE_TEST_SUITE_P(, SendFileOfOtherGenerationTest,
+                         testing::Values(OtherGeneration{104, 231, {161, 0, 161}},
+                                         OtherGeneration{231, 104, {153, 173, 70}}));
+
+TEST_P(SendFileOfOtherGenerationTest, EndsWithTheSaveOfTheSensorsOwn) {
+  const auto& [sensorPart, filePart, save] = GetParam();
+  FactoryBench bench(sensorPart);
+  bench.files.Put("C:\\KVX\\DEF00231.PDT", test::DefinitionFile(test::CurvedChannels()));
+  auto ram = SensorRam5();
+  ram[65] = sensorPart;
+  std::copy(ram.begin(), ram.end(), bench.port.sensor.Ram().begin());
+  auto file = FileRam5();
+  file[65] = filePart;
+  bench.files.Put(kFile, SettingsFile5(file));
+  bench.Send(kFile);
+  EXPECT_TRUE(bench.ui.messages.empty());
+  const auto written = bench.Written();
+  ASSERT_EQ(written.size(), kWritten5.size() + 1);
+  EXPECT_EQ(written.back(), save);
+  EXPECT_EQ(bench.port.sensor.Count().saves, 1);
+  // The settings are in the sensor, its part number is its own.
+  auto expected = ram;
+  test::Put(file, 222, {240, 0});
+  for (const auto& [address, count] : kWritten5) {
+    for (auto i = address; i < address + count; ++i) expected.at(i) = file.at(i);
+  }
+  EXPECT_EQ(bench.SensorRam(), Bytes(expected.begin(), expected.end()));
+  EXPECT_EQ(bench.program->image.RamImage[65], sensorPart);
+}
+
+TEST_F(SendFile5Test, ABlockOfAnotherSizeIsDamage) {
+  for (const std::size_t size : {0U, 111U, 239U, 241U}) {
+    FactoryBench fresh(SensorRam5());
+    const auto whole = SettingsFile5(FileRam5());
+    Bytes payload(whole.begin() + 21, whole.end());
+    payload.resize(size);
+    fresh.files.Put(kFile, SettingsFile({{1, payload}, {99, Bytes(240, 7)}}));
+    fresh.Send(kFile);
+    EXPECT_THAT(fresh.ui.Texts(), ElementsAre(std::string("File is damaged ") + kFile)) << size;
+    EXPECT_THAT(fresh.Written(), IsEmpty());
+    EXPECT_EQ(test::RamOf(fresh.program->image), SensorRam5());
+  }
+}
+
+TEST_F(SendFile5Test, ABlockOfRamWithThePartOfAnotherPlatformIsRefusedWithoutAWord) {
+  for (const int part : {33, 85, 88, 215}) {
+    FactoryBench fresh(SensorRam5());
+    auto file = FileRam5();
+    file[65] = static_cast<std::uint8_t>(part);
+    fresh.files.Put(kFile, SettingsFile5(file));
+    std::size_t framesThen = 0;
+    fresh.files.onRead = [&](const std::string& path) {
+      if (path == kFile) framesThen = fresh.port.sensor.Frames().size();
+    };
+    fresh.Send(kFile);
+    EXPECT_THAT(fresh.ui.Texts(), ElementsAre(kOtherModel)) << part;
+    EXPECT_THAT(fresh.Written(), IsEmpty());
+    // The sensor is not asked for anything once the file has been read.
+    EXPECT_EQ(fresh.port.sensor.Frames().size(), framesThen);
+    EXPECT_EQ(test::RamOf(fresh.program->image), SensorRam5());
+  }
+}
+
 TEST_F(SendFile5Test, AFileOfAnotherPlatformIsRefused) {
   bench.files.Put(kFile, test::SettingsFileEeprom(217));
   bench.Send(kFile);
@@ -428,6 +498,32 @@ Bytes Marks(const std::vector<std::pair<std::size_t, std::uint8_t>>& marks) {
   Bytes payload(542);
   for (const auto& [address, mark] : marks) payload.at(30 + address) = mark;
   return payload;
+}
+
+TEST(SendFile6, ABlockOfAnotherSizeIsDamage) {
+  struct Sizes {
+    std::size_t selection;
+    std::size_t settings;
+  };
+  for (const int part : {217, 215}) {
+    for (const auto& [selection, settings] : {Sizes{542, 511}, Sizes{542, 513}, Sizes{542, 0},
+                                              Sizes{541, 512}, Sizes{543, 512}, Sizes{30, 512}}) {
+      FactoryBench bench(part);
+      const auto before = bench.SensorEeprom();
+      Bytes changed = before;
+      changed[50] ^= 0xFF;
+      changed.resize(settings, 9);
+      auto marks = Marks({{50, 255}});
+      marks.resize(selection, 255);
+      bench.files.Put(kFile, SettingsFile({{15, marks}, {10, changed}}));
+      bench.Send(kFile);
+      EXPECT_THAT(bench.ui.Texts(), ElementsAre(std::string("File is damaged ") + kFile))
+          << part << " " << selection << " " << settings;
+      EXPECT_THAT(bench.Written(), IsEmpty());
+      EXPECT_EQ(bench.SensorEeprom(), before);
+      for (std::size_t i = 0; i < 512; ++i) EXPECT_EQ(bench.program->image.EepromImage[i], before[i]) << i;
+    }
+  }
 }
 
 TEST(SendFile6, SendsWhatTheFilesSelectionMarks) {

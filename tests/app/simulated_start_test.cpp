@@ -97,9 +97,9 @@ TEST_F(SimulatedStartTest, ShowsTheSimulatedPanel) {
     }
     EXPECT_EQ(panel.txbCHact[0].Fore(), 65535);
     EXPECT_EQ(panel.mComSet.Value(), 1);
-    EXPECT_TRUE(panel.btnDigTrig.Visible());
+    EXPECT_TRUE(panel.trigger.btnDigTrig.Visible());
     EXPECT_EQ(panel.txbSN.Text(), "10401042");
-    EXPECT_EQ(panel.txbFb[3].Text(), "1000");
+    EXPECT_EQ(panel.rows.txbFb[3].Text(), "1000");
     EXPECT_EQ(bench.program->session.SensorId, 30);
     bench.After(seconds(10), [&] { bench.Panel5().form.Close(); });
   });

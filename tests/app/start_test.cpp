@@ -81,7 +81,7 @@ TEST_F(StartTest, ShowsTheLivePanel) {
     EXPECT_FALSE(bench.program->msg.Visible());
     EXPECT_FALSE(panel.form.Busy());
     EXPECT_EQ(panel.txbSN.Text(), "10401042");
-    EXPECT_EQ(panel.txbFa[0].Text(), "400");
+    EXPECT_EQ(panel.rows.txbFa[0].Text(), "400");
     EXPECT_EQ(panel.lblCH_Name[1].Text(), "CO2");
     panel.form.Close();
   });

@@ -42,11 +42,16 @@ inline float PlainMeasured(const PlainMeasurement& m, double F) {
   return static_cast<float>(((F - 1) + s / 61440.0) / F);
 }
 
+/// The power to which the curve is taken, so that it passes through the measured point.
+inline float PlainExponent(const GasCurve& curve, float r, float cs) {
+  return static_cast<float>(std::log(double{r}) /
+                            std::log(static_cast<double>(PlainTransmission(curve, cs))));
+}
+
 /// Nothing if the search for an entry does not come to an end.
 inline std::optional<GasTable> PlainSpanTable(const GasCurve& curve, int F, float r, float cs, float offset) {
   constexpr int kEndless = 1'000'000;
-  const auto p =
-      static_cast<float>(std::log(double{r}) / std::log(static_cast<double>(PlainTransmission(curve, cs))));
+  const float p = PlainExponent(curve, r, cs);
   GasTable table{};
   float c = 0;
   for (int x = 57344; x >= 0; x -= 4096) {

@@ -68,15 +68,75 @@ TEST(SpanOf5, TheTemperatureCountsByThirtySeconds) {
 TEST(SpanOf5, TheGivenGasIsTakenToTheTable) {
   // Between two entries: 5350 lies at 47104, (61440 - 47104) x 2048 / 6144 = 4778.67.
   EXPECT_EQ(SpanAfter(*Make(), "5350"), 4779);
-  // A value above all entries lies at 65535: (61440 - 65535) x 2048 / 6144 = -1365 in two's complement.
-  EXPECT_EQ(SpanAfter(*Make(), "9000"), 65536 - 1365);
+  // Entry 0 is the highest that the table holds: 61440 x 2048 / 6144.
+  EXPECT_EQ(SpanAfter(*Make(), "6500"), 20480);
 }
 
-TEST(SpanOf5, ASpanWordAbove65535Becomes65535) {
+/// No span that a sensor could work with: false with a text, and nothing is written to image or sensor.
+void ExpectNoSpan(CalibrationGround& ground, const std::string& text = "5300") {
+  const auto before = ground.sensor.Image();
+  const auto image = ground.image;
+  EXPECT_FALSE(ground.cal.CalibrateCO2Span(1, text, false)) << text;
+  EXPECT_NE(ground.session.LastError, "");
+  EXPECT_NE(ground.session.LastError, kCancelled);
+  EXPECT_THAT(ground.Story(), ElementsAre("read R70+2", "read R234+1"));
+  EXPECT_THAT(ground.Changes(before), IsEmpty());
+  EXPECT_THAT(ground.ImageChanges(), IsEmpty());
+  EXPECT_EQ(ground.image.RamImage, image.RamImage);
+  EXPECT_EQ(ground.image.EepromImage, image.EepromImage);
+  EXPECT_FALSE(ground.cal.LastChange());
+  EXPECT_FALSE(ground.port.PortOpen());
+}
+
+TEST(SpanOf5, AConcentrationOfZeroGasIsRefused) {
+  // It lies at 61440, so that the span word would be 0.
+  ExpectNoSpan(*Make(), "5000");
+}
+
+TEST(SpanOf5, AConcentrationThatTheTableDoesNotHoldIsRefused) {
+  // It lies at 65535: (61440 - 65535) x 2048 / 6144 = -1365.
+  for (const char* text : {"0", "", "-300", "4899", "6501", "9000", "70000"}) ExpectNoSpan(*Make(), text);
+}
+
+TEST(SpanOf5, ASignalAboveZeroGasIsRefused) {
+  for (const int signal : {30721, 31000, 65535}) {
+    auto ground = Make();
+    ground->SetRamWord(70, signal);
+    ExpectNoSpan(*ground);
+  }
+}
+
+TEST(SpanOf5, ASignalAHairBelowZeroGasIsRefused) {
   auto ground = Make();
+  // 12288 x 2048 / 2 is far above 65535.
   ground->SetRamWord(70, 30719);
-  // 12288 x 2048 / 2 is far above.
-  EXPECT_EQ(SpanAfter(*ground), 65535);
+  ExpectNoSpan(*ground);
+}
+
+TEST(SpanOf5, TwoImpossibleReadingsDoNotMakeAPossibleOne) {
+  auto ground = Make();
+  // Above zero gas and above the table: -4095 x 2048 / -18560 would be 452.
+  ground->SetRamWord(70, 40000);
+  ExpectNoSpan(*ground, "9000");
+}
+
+TEST(SpanOf5, ASpanWordThatRoundsTo0IsRefused) {
+  auto ground = Make();
+  ground->SetEvenTable(kTable1, 5000, 1000);
+  // 61440 - 61436 = 4: 4 x 2048 / 61440 = 0.13.
+  ground->SetRamWord(70, 0);
+  ExpectNoSpan(*ground, "5001");
+}
+
+TEST(SpanOf5, TheLargestSpanWordThatIsAWordIsTaken) {
+  auto ground = Make();
+  // 61440 - 61056 = 384: 12288 x 2048 / 384 = 65536.
+  ground->SetRamWord(70, 30528);
+  ExpectNoSpan(*ground);
+  // 12288 x 2048 / 386 = 65196.35.
+  ground = Make();
+  ground->SetRamWord(70, 30527);
+  EXPECT_EQ(SpanAfter(*ground), 65196);
 }
 
 TEST(SpanOf5, WhatIsReadAndSentAndInWhichOrder) {

@@ -309,6 +309,39 @@ TEST(SpanOf6, APositionBelowTheScaleEndsBeforeAnythingIsWritten) {
   ExpectNoResult(*hot, 5, "6000");
 }
 
+TEST(SpanOf6, AConcentrationBelowZeroGasEndsBeforeAnythingIsWritten) {
+  for (const char* span : {"4999", "4000", "0", "", "-400"}) {
+    ExpectNoResult(*Make({}), 11, span);
+    ExpectNoResult(*Make({kPart61, 1}), 5, span);
+  }
+}
+
+TEST(SpanOf6, ASignalAtOrAboveZeroGasOrAHairBelowItEndsBeforeAnythingIsWritten) {
+  // 4096 x 30720 / 2048 is zero gas.
+  for (const int signal : {30719, 30720, 30721, 32000, 65535}) {
+    for (const Sensor& sensor : {Sensor{}, Sensor{kPart61, 0}, Sensor{kPart61, 1}}) {
+      auto ground = Make(sensor);
+      ground->SetRamWord(sensor.SignalAt(), signal);
+      ExpectNoResult(*ground, sensor.Channel(), "6000");
+    }
+  }
+}
+
+TEST(SpanOf6, AGasThatIsGoneBeforeTheSecondPassLeavesTheTableOfTheFirst) {
+  auto ground = Make({});
+  ground->SetRamWord(72, 27000);
+  ground->AfterFrame(15, [&] { bench::PutWord(ground->sensor.Ram(), 72, 30720); });
+  EXPECT_FALSE(ground->cal.CalibrateCO2Span(11, "5900", false));
+  EXPECT_NE(ground->session.LastError, "");
+  EXPECT_NE(ground->session.LastError, kCancelled);
+  // The signal of the second pass, and nothing behind it.
+  EXPECT_EQ(ground->Frames(), 16);
+  EXPECT_EQ(Slice(ground->sensor.Eeprom(), kGasTable, 34), Expected(kPlainA, 2, {4096, 27000}, 900));
+  EXPECT_THAT(ground->ImageChanges(), IsEmpty());
+  EXPECT_FALSE(ground->cal.LastChange());
+  EXPECT_FALSE(ground->port.PortOpen());
+}
+
 // The port at the end
 
 TEST(SpanOf6, ThePortOfARefusedCalibrationIsClosedUnlessItIsToStayOpen) {

@@ -200,6 +200,22 @@ TEST(SpanOf7, NoSignalEndsBeforeAnythingIsWritten) {
   ExpectNoResult(*ground, 900);
 }
 
+TEST(SpanOf7, AConcentrationBelowZeroGasEndsBeforeAnythingIsWritten) {
+  for (const float span : {-0.5F, -400.0F, -5000.0F}) ExpectNoResult(*Make(), span);
+}
+
+TEST(SpanOf7, ASignalAtOrAboveZeroGasOrAHairBelowItEndsBeforeAnythingIsWritten) {
+  // 4096 x 30720 / 2048 is zero gas.
+  for (const int signal : {30719, 30720, 30721, 32000, 65535}) {
+    for (int nibble = 0; nibble < 4; ++nibble) {
+      auto ground = Make();
+      ground->SetEeprom(1003, nibble * 16);
+      ground->SetRamWord(40, signal);
+      ExpectNoResult(*ground, 900);
+    }
+  }
+}
+
 Trial SpanTrial(std::unique_ptr<CalibrationGround> (*make)()) {
   return {.make = make, .run = [](CalibrationGround& g) { return g.cal.CalibrateCO2SpanPlatform7(900); }};
 }

@@ -2,6 +2,7 @@
 #include "calibration/table_search.h"
 
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -103,23 +104,75 @@ TEST(MeasuredTransmission, IsThatOfThePlainForm) {
   }
 }
 
+/// What the search must come to: the plain table, but for a curve that no sensor could have.
+enum class Outcome { table, noResult };
+Outcome ExpectAsPlain(const SpanCurve& curve, float r, float span) {
+  SCOPED_TRACE(testing::Message() << "span " << span << " r " << r << " scale " << curve.scale);
+  constexpr float kOffset = 5000;
+  const auto plain = PlainSpanTable(curve.curve, static_cast<int>(curve.scale), r, span, kOffset);
+  const bool rises = PlainExponent(curve.curve, r, span) <= 0;
+  if (rises || plain.value().at(14) - kOffset > 9999) {
+    EXPECT_THROW(SpanTable(curve, r, span, kOffset, kNoPass), NoResult);
+    return Outcome::noResult;
+  }
+  EXPECT_EQ(SpanTable(curve, r, span, kOffset, kNoPass), *plain);
+  return Outcome::table;
+}
+
 TEST(SpanTable, IsThatOfThePlainSearchToTheLastBit) {
   int compared = 0;
+  int refused = 0;
   for (const auto& curve : kCurves) {
     for (const int scale : {1, 2}) {
       for (const float span :
            {100.0F, 171.5F, 400.0F, 1000.0F, 2000.0F, 3777.0F, 5000.0F, 9999.0F, 20000.0F}) {
         for (float r = 0.31F; r < 1.02F; r += 0.037F) {
-          const auto plain = PlainSpanTable(curve, scale, r, span, 5000);
-          ASSERT_TRUE(plain) << "span " << span << " r " << r;
-          const auto table = SpanTable({curve, static_cast<float>(scale)}, r, span, 5000, kNoPass);
-          ASSERT_EQ(table, *plain) << "span " << span << " r " << r << " scale " << scale;
-          ++compared;
+          const auto outcome = ExpectAsPlain({curve, static_cast<float>(scale)}, r, span);
+          ++(outcome == Outcome::table ? compared : refused);
         }
       }
     }
   }
   EXPECT_GT(compared, 1000);
+  // One r lies above 1, for each of the curves, scales and spans.
+  EXPECT_GE(refused, 4 * 2 * 9);
+}
+
+TEST(SpanTable, OfASignalAtOrAboveZeroGasHasNoResult) {
+  for (const auto& curve : kCurves) {
+    for (const float scale : {1.0F, 2.0F}) {
+      for (const float span : {100.0F, 1000.0F, 9999.0F}) {
+        for (const float r : {1.0F, std::nextafter(1.0F, 2.0F), 1.001F, 1.3F, 40.0F}) {
+          EXPECT_THROW(SpanTable({curve, scale}, r, span, 5000, kNoPass), NoResult) << r;
+        }
+      }
+    }
+  }
+}
+
+TEST(SpanTable, OfANegativeConcentrationHasNoResult) {
+  for (const auto& curve : kCurves) {
+    for (const float span : {-0.5F, -1.0F, -400.0F, -5000.0F}) {
+      for (const float r : {0.4F, 0.9F, 0.999F, 1.0F, 1.01F, 1.05F}) {
+        EXPECT_THROW(SpanTable({curve, 1}, r, span, 5000, kNoPass), NoResult) << span << " " << r;
+      }
+    }
+  }
+}
+
+TEST(SpanTable, OfACurveThatPassesTheLimitAtItsFirstPositionHasNoResult) {
+  for (const auto& curve : kCurves) {
+    for (const int scale : {1, 2}) {
+      // With that exponent the first position, 14 of 15, lies at 9999.
+      const double target = ((scale - 1) + 14 / 15.0) / scale;
+      const double atLimit = std::log(target) / std::log(double{PlainTransmission(curve, 9999)});
+      for (const double share : {0.001, 0.5, 0.9, 1.1, 1.5}) {
+        const auto r = static_cast<float>(std::pow(double{PlainTransmission(curve, 800)}, share * atLimit));
+        const auto outcome = ExpectAsPlain({curve, static_cast<float>(scale)}, r, 800);
+        EXPECT_EQ(outcome == Outcome::table, share > 1) << share;
+      }
+    }
+  }
 }
 
 TEST(SpanTable, PassesThroughTheMeasuredPoint) {

@@ -237,6 +237,29 @@ TEST(TemperatureOf7, BelowZeroBothAreWords) {
   ExpectMoves(*ground, -5, kPlatform, 512, -100);
 }
 
+TEST(TemperatureOf7, AcrossZeroEveryEntryMovesByTheSameSignedAmount) {
+  struct Case {
+    int reading;
+    float told;
+    int delta;
+  };
+  for (const auto& [reading, told, delta] :
+       {Case{50, -0.5F, -100}, Case{-50, 0.5F, 100}, Case{50, 0, -50}, Case{-50, 0, 50}, Case{0, -0.5F, -50},
+        Case{0, 0.5F, 50}, Case{2000, -20, -4000}, Case{-2000, 20, 4000}}) {
+    SCOPED_TRACE(testing::Message() << reading << " told " << told);
+    auto ground = Make(k7);
+    // -850, -750 ... 750: some cross 0 on the way, some stay on their side of it.
+    for (int i = 0; i < 17; ++i) {
+      ground->SetEepromWord(512 + 2 * static_cast<std::size_t>(i), (65536 - 850 + 100 * i) % 65536);
+    }
+    ground->SetRamWord(20, (reading + 65536) % 65536);
+    ExpectMoves(*ground, told, kPlatform, 512, delta);
+    // Two of them by hand.
+    EXPECT_EQ(ground->EepromWord(512 + 2 * 8), (65536 - 50 + delta) % 65536);
+    EXPECT_EQ(ground->EepromWord(512 + 2 * 9), (65536 + 50 + delta) % 65536);
+  }
+}
+
 TEST(TemperatureOf7, AChannelOtherThan99IsNotTakenOver) {
   auto ground = Make(k7);
   ground->SetRamWord(12, 10);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "knowledge/set_file_bytes.h"
@@ -626,6 +627,155 @@ TEST_F(LoadTest, ABlockThatEndsTooSoonTakesBackWhatItGave) {
   EXPECT_FALSE(file.LoadSettings(kName, 0));
   EXPECT_NE(session.LastError, "");
   ExpectMemory(sensor);
+}
+
+TEST_F(LoadTest, ABlockOfRamOfAnotherSizeIsDamage) {
+  for (const std::size_t size : {0U, 111U, 112U, 239U, 241U, 512U}) {
+    Begin5();
+    Show();
+    image.RamValid[40] = false;
+    content[65] = kPart6;
+    auto payload = Ram5Payload(content);
+    payload.resize(size, 9);
+    // What comes behind would fill the gap.
+    Store(SetFile({{1, payload}, {99, Rising(240)}}));
+    for (const std::int32_t selector : {0, 6, 8}) {
+      EXPECT_FALSE(file.LoadSettings(kName, selector)) << size;
+      ExpectRefusal("File is damaged C:\\KVX\\a.set");
+    }
+    EXPECT_FALSE(image.RamValid[40]);
+  }
+  EXPECT_THAT(port.Events(), IsEmpty());
+}
+
+TEST_F(LoadTest, ABlockOfEepromOfAnotherSizeIsDamage) {
+  for (const bool is6 : {true, false}) {
+    for (const std::size_t size : {0U, 165U, 511U, 513U, 542U}) {
+      if (is6) {
+        Begin6();
+      } else {
+        Begin61();
+      }
+      Show();
+      image.EepromValid[300] = false;
+      auto payload = content;
+      payload.resize(size, 9);
+      Store(SetFile({{15, SelectionPayload(MarksOf(512, {{0, 511}}))}, {10, payload}}));
+      for (const std::int32_t selector : {0, is6 ? 13 : 12}) {
+        EXPECT_FALSE(file.LoadSettings(kName, selector)) << size;
+        ExpectRefusal("File is damaged C:\\KVX\\a.set");
+      }
+      EXPECT_FALSE(image.EepromValid[300]);
+      EXPECT_EQ(image.RamImage[65], is6 ? kPart6 : kScaled61);
+    }
+  }
+  EXPECT_THAT(port.Events(), IsEmpty());
+}
+
+TEST_F(LoadTest, ASelectionOfAnotherSizeIsDamage) {
+  for (const bool is6 : {true, false}) {
+    for (const std::size_t size : {0U, 30U, 512U, 541U, 543U}) {
+      if (is6) {
+        Begin6();
+      } else {
+        Begin61();
+      }
+      Show();
+      auto payload = SelectionPayload(MarksOf(512, {{0, 511}}));
+      payload.resize(size, 255);
+      Store(SetFile({{10, content}, {15, payload}}));
+      EXPECT_FALSE(file.LoadSettings(kName, 0)) << size;
+      ExpectRefusal("File is damaged C:\\KVX\\a.set");
+      // It plays no part where the selection is another.
+      EXPECT_TRUE(file.LoadSettings(kName, is6 ? 13 : 12)) << session.LastError;
+      bus.KnowPart(is6 ? kPart6 : kScaled61);
+    }
+  }
+}
+
+TEST_F(LoadTest, AFileOfAnotherPlatformIsRefusedWithoutAWordToTheSensor) {
+  for (const auto part : {kPart6, kScaled61, kPart61, kPart7, kPart8}) {
+    for (const std::int32_t selector : {0, 6}) {
+      Begin5();
+      Show();
+      // Nothing is known of an EEPROM that such a sensor does not show.
+      image.EepromValid.fill(false);
+      for (std::size_t i = 0; i < 1024; ++i) image.EepromImage[i] = static_cast<float>(i % 251);
+      const auto before = image;
+      content[65] = part;
+      Store();
+      EXPECT_FALSE(file.LoadSettings(kName, selector)) << int{part};
+      ExpectRefusal(kOtherModel);
+      EXPECT_EQ(image.EepromImage, before.EepromImage);
+      EXPECT_EQ(image.EepromValid, before.EepromValid);
+      EXPECT_EQ(image.EepromRead, before.EepromRead);
+    }
+  }
+  EXPECT_THAT(port.Events(), IsEmpty());
+}
+
+/// The sensor's part is 109, the file's 104; both have curves, to other full scales.
+class OtherPartTest : public LoadTest {
+ protected:
+  static constexpr std::uint8_t kOther = 104;
+
+  OtherPartTest() {
+    Begin5();
+    Define(kPart5, 5000);
+    Define(kOther, 10000);
+    EXPECT_TRUE(definitions.LoadDefinition());
+    content[65] = kOther;
+    for (auto* memory : {&sensor, &content}) {
+      PutBigEndian(*memory, 138, 2048);
+      PutBigEndian(*memory, 140, 2048);
+    }
+    PutBigEndian(content, 216, 40960);
+    PutBigEndian(content, 223, 61440);
+  }
+  void Remove(std::uint8_t part) { bus.files.Remove("C:\\KVX\\DEF00" + std::to_string(int{part}) + ".PDT"); }
+
+ private:
+  void Define(std::uint8_t part, std::int32_t fullScale) {
+    DefinitionFile definition;
+    definition.SetCurve(1, fullScale);
+    definition.SetCurve(2, fullScale);
+    Install(part, definition);
+  }
+};
+
+TEST_F(OtherPartTest, TheBackgroundOfTheFileIsExpressedByTheSensorsDefinition) {
+  EXPECT_TRUE(Load(6));
+  EXPECT_EQ(session.LastError, "");
+  // e^(-c / 10000) from 1 at 61440 to its value at full scale at 0.
+  const double lowOfFile = std::exp(-1.0);
+  const double seen = lowOfFile + 40960 / 61440.0 * (1 - lowOfFile);
+  const double lowOfSensor = std::exp(-0.5);
+  const double expected = (seen - lowOfSensor) / (1 - lowOfSensor) * 61440;
+  // Straight lines between the entries, and a concentration in whole units.
+  EXPECT_NEAR(image.RamWord(216), expected, 60);
+  EXPECT_GT(40960 - expected, 10000);
+  // Zero gas is zero gas, and is written one place in front of where it is read.
+  EXPECT_EQ(image.RamWord(222), 61440);
+  EXPECT_EQ(image.RamImage[65], kPart5);
+  EXPECT_EQ(image.RamImage[31], content[31]);
+  EXPECT_THAT(port.Events(), IsEmpty());
+}
+
+TEST_F(OtherPartTest, WithoutItsDefinitionTheFileIsRefused) {
+  Remove(kOther);
+  for (const std::int32_t selector : {6, 8}) {
+    EXPECT_FALSE(Load(selector));
+    EXPECT_THAT(session.LastError, testing::StartsWith("Can't find file: "));
+    ExpectRefusal(session.LastError);
+  }
+}
+
+TEST_F(OtherPartTest, WithoutTheSensorsDefinitionTheFileIsRefused) {
+  // It was there when the sensor was read, and is wanted again behind that of the file.
+  Remove(kPart5);
+  EXPECT_FALSE(Load(6));
+  EXPECT_THAT(session.LastError, testing::StartsWith("Can't find file: "));
+  ExpectRefusal(session.LastError);
 }
 
 TEST_F(LoadTest, OnOtherPlatformsNothingHappens) {

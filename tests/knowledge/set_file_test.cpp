@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
+#include <utility>
+
 #include "knowledge/set_file_bytes.h"
 #include "support/knowledge.h"
 
@@ -625,6 +628,125 @@ TEST_F(SetFileTest, AFailedSaveLeavesTheOldFile) {
   EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
   bus.files.Mend(kName);
   EXPECT_EQ(bus.files.Get(kName), old);
+}
+
+TEST_F(SetFileTest, ABlockOfAnySizeIsRead) {
+  for (const auto& [type, size] : {std::pair<int, std::size_t>{1, 239},
+                                   {1, 241},
+                                   {1, 0},
+                                   {10, 511},
+                                   {10, 513},
+                                   {10, 0},
+                                   {15, 541},
+                                   {15, 543},
+                                   {15, 0},
+                                   {20, 255}}) {
+    // The next block makes up for what the first one of type 1 lacks.
+    Store(SetFile({{type, Rising(size, 1)}, {99, Bytes(240, 7)}}));
+    EXPECT_TRUE(Read(static_cast<std::uint8_t>(type))) << type << " of " << size;
+    EXPECT_EQ(session.LastError, "");
+    if (size != 0) {
+      EXPECT_EQ(image.SetBuffer[0], 1);
+    }
+  }
+}
+
+// Saves that would leave a file behind that cannot be loaded
+
+class RefusedSaveTest : public SetFileTest {
+ protected:
+  RefusedSaveTest() {
+    bus.KnowPart(101);
+    image.RamValid.fill(true);
+  }
+
+  /// The same bytes, and not even written anew.
+  void ExpectRefused(const Bytes& old, std::uint8_t block) {
+    Store(old);
+    bus.files.acts.clear();
+    EXPECT_FALSE(file.SaveSettings(block, kName, 1, false));
+    EXPECT_EQ(bus.files.Get(kName), old);
+    EXPECT_THAT(bus.files.acts, testing::IsEmpty());
+  }
+  /// Bytes of the file after a save of block 1 behind another one of that size.
+  std::size_t SizeBehind(std::size_t other) {
+    Store(SetFile({{99, Bytes(other, 7)}}));
+    std::uint8_t block = 1;
+    EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+    return bus.files.Get(kName).size();
+  }
+};
+
+TEST_F(RefusedSaveTest, ABlockOfAnotherSizeIsNotReplaced) {
+  for (const auto& [type, size] : {std::pair<std::uint8_t, std::size_t>{1, 239},
+                                   {1, 241},
+                                   {1, 0},
+                                   {10, 511},
+                                   {10, 513},
+                                   {15, 512},
+                                   {15, 541},
+                                   {15, 543},
+                                   {20, 240},
+                                   {20, 257}}) {
+    SCOPED_TRACE(testing::Message() << int{type} << " of " << size);
+    ExpectRefused(SetFile({{type, Rising(size, 1)}}), type);
+    ExpectRefused(SetFile({{99, Rising(7)}, {type, Rising(size, 1)}, {98, Rising(9)}}), type);
+  }
+}
+
+TEST_F(RefusedSaveTest, OfSeveralBlocksNoneIsWrittenIfOneCannotBe) {
+  const auto old = SetFile({{15, Rising(541)}});
+  Store(old);
+  const std::array<snsFil::BlockWrite, 2> blocks{{{10, false}, {15, true}}};
+  EXPECT_FALSE(file.SaveBlocks(kName, 1, blocks));
+  EXPECT_EQ(bus.files.Get(kName), old);
+  EXPECT_THAT(bus.files.acts, testing::IsEmpty());
+}
+
+TEST_F(RefusedSaveTest, AFileOf255BlocksTakesNoMore) {
+  std::vector<Block> blocks(255, Block{99, {}});
+  ExpectRefused(SetFile(blocks), 1);
+  // In the place of one that is there it can.
+  blocks.back() = {1, Bytes(240)};
+  Store(SetFile(blocks));
+  image.RamImage[0] = 77;
+  std::uint8_t block = 1;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+  blocks.back().payload[0] = 77;
+  blocks.back().payload[65] = 101;
+  EXPECT_EQ(bus.files.Get(kName), SetFile(blocks));
+}
+
+TEST_F(RefusedSaveTest, AFileOf254BlocksTakesOneMore) {
+  std::vector<Block> blocks(254, Block{99, {}});
+  Store(SetFile(blocks));
+  std::uint8_t block = 1;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false));
+  blocks.push_back({1, Bytes(240)});
+  blocks.back().payload[65] = 101;
+  EXPECT_EQ(bus.files.Get(kName), SetFile(blocks));
+  EXPECT_TRUE(Read(1));
+}
+
+TEST_F(RefusedSaveTest, AFileOfMoreThan1500BytesIsNotMade) {
+  // 17 + 4 + other + 4 + 240.
+  constexpr std::size_t kFits = 1500 - 265;
+  EXPECT_EQ(SizeBehind(kFits), 1500U);
+  EXPECT_TRUE(Read(1));
+  ExpectRefused(SetFile({{99, Bytes(kFits + 1, 7)}}), 1);
+  ExpectRefused(SetFile({{99, Bytes(kFits + 500, 7)}}), 1);
+  // In the place of one that is there too.
+  ExpectRefused(SetFile({{1, Rising(240)}, {99, Bytes(kFits + 1, 7)}}), 1);
+}
+
+TEST_F(RefusedSaveTest, AFreshSaveAsksNothingOfTheOldFile) {
+  for (const auto& old : {SetFile({{1, Rising(239)}}), SetFile(std::vector<Block>(255, Block{99, {}})),
+                          SetFile({{99, Bytes(1400, 7)}})}) {
+    Store(old);
+    std::uint8_t block = 1;
+    EXPECT_TRUE(file.SaveSettings(block, kName, 1, false, true));
+    EXPECT_EQ(bus.files.Get(kName).size(), 261U);
+  }
 }
 
 }  // namespace

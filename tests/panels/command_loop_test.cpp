@@ -15,6 +15,14 @@ class CommandLoopTest : public test::LoopTest {
   CommandLoopTest() { panel.SimMode(true); }
 };
 
+TEST_F(CommandLoopTest, EnteringTheLoopSimulatesOnceBeforeItWaits) {
+  int seen = 0;
+  // The first event that could come.
+  After(milliseconds(1), [&] { seen = panel.simulations; });
+  Run(seconds(1));
+  EXPECT_EQ(seen, 1);
+}
+
 TEST_F(CommandLoopTest, ACodeRunsItsAction) {
   struct Case {
     int code;

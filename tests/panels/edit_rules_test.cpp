@@ -17,9 +17,10 @@ using testing::ElementsAre;
 class EditRulesTest : public Frm5Test {
  protected:
   std::vector<Control*> SettingFields() {
-    std::vector<Control*> fields{&panel.txbID, &panel.txbShiftBamount, &panel.txbDigTtime,
-                                 &panel.txbDigTlevel};
-    for (const auto* array : {&panel.txbFa, &panel.txbFb, &panel.txbOutBaseLine, &panel.txbOutIntTime}) {
+    std::vector<Control*> fields{&panel.txbID, &panel.txbShiftBamount, &panel.trigger.txbDigTtime,
+                                 &panel.trigger.txbDigTlevel};
+    for (const auto* array :
+         {&panel.rows.txbFa, &panel.rows.txbFb, &panel.txbOutBaseLine, &panel.txbOutIntTime}) {
       fields.insert(fields.end(), array->begin(), array->end());
     }
     return fields;
@@ -52,8 +53,8 @@ TEST_F(EditRulesTest, LeavingTakesAndShowsTheForm) {
 }
 
 TEST_F(EditRulesTest, LeavingTakesTheWholeForm) {
-  panel.txbDigTtime.SetText("5");
-  test::Type(panel.txbFa[0], "401");
+  panel.trigger.txbDigTtime.SetText("5");
+  test::Type(panel.rows.txbFa[0], "401");
   EXPECT_EQ(Ram(163, 2), (std::vector<int>{149, 25}));
   EXPECT_EQ(Ram(187), 20);
 }
@@ -91,12 +92,12 @@ TEST_F(EditRulesTest, EnterShowsWhatTheMemoryHolds) {
 }
 
 TEST_F(EditRulesTest, OtherKeysPass) {
-  form.GainFocus(panel.txbFa[0]);
-  form.ChangeText(panel.txbFa[0], "401");
-  EXPECT_FALSE(form.PressKey(panel.txbFa[0], 9));
-  EXPECT_FALSE(form.PressKey(panel.txbFa[0], 'A'));
+  form.GainFocus(panel.rows.txbFa[0]);
+  form.ChangeText(panel.rows.txbFa[0], "401");
+  EXPECT_FALSE(form.PressKey(panel.rows.txbFa[0], 9));
+  EXPECT_FALSE(form.PressKey(panel.rows.txbFa[0], 'A'));
   EXPECT_EQ(WholeRam(), SampleRam());
-  ExpectColours(panel.txbFa[0], kWhite, kBlack);
+  ExpectColours(panel.rows.txbFa[0], kWhite, kBlack);
 }
 
 TEST_F(EditRulesTest, TheHighestIdIs29) {
@@ -119,7 +120,7 @@ TEST_F(EditRulesTest, TheIdIsStoredOnlyWhenTheFormIsTakenForAnotherReason) {
   form.PressKey(panel.txbID, kEnter);
   EXPECT_EQ(WholeRam(), SampleRam());
   ExpectColours(panel.txbID, kFieldBack, kYellow);
-  test::Type(panel.txbDigTtime, "2.5");
+  test::Type(panel.trigger.txbDigTtime, "2.5");
   EXPECT_EQ(Ram(208), 29);
   EXPECT_EQ(Ram(31), 0);
 }

@@ -113,6 +113,34 @@ TEST_F(ChartSimulateTest, ALiveValueThatIsTypedIsJudgedByTheLoop) {
   EXPECT_EQ(panel.txbCHact[1].Text(), "5000");
 }
 
+TEST_F(ChartSimulateTest, TheLoopMakesAPassBeforeItWaitsForAnEvent) {
+  panel.txbCHact[1].SetText("5000");
+  panel.txbStatus[1].SetText("?");
+  std::string seen;
+  // The first event that could come.
+  ground.pump.After(milliseconds(1), [&] { seen = panel.txbStatus[1].Text(); });
+  test::RunLoop(ground, panel, seconds(1));
+  EXPECT_EQ(seen, "ALARM");
+}
+
+TEST_F(ChartSimulateTest, AnImageThatIsOfNoSensorOfPlatform5IsNotSimulated) {
+  for (const int part : {0, 33, 40, 64, 85, 88, 154}) {
+    SetRam(65, {part});
+    ground.image.RamValid[65] = part != 0;
+    const auto before = ground.image.RamImage;
+    for (auto* status : panel.txbStatus) status->SetText("?");
+    panel.txbCHact[1].SetText("5000");
+    panel.Simulate();
+    for (const auto& text : Texts(panel.txbStatus)) EXPECT_EQ(text, "?") << part;
+    EXPECT_EQ(ground.image.RamImage, before);
+    EXPECT_EQ(ground.session.LastError, "");
+  }
+  EXPECT_TRUE(ground.port.Events().empty());
+  SetRam(65, {231});
+  panel.Simulate();
+  EXPECT_EQ(panel.txbStatus[1].Text(), "ALARM");
+}
+
 // Simulated mode
 
 TEST_F(ChartSimulateTest, TheModeColoursAndGuardsItsControls) {

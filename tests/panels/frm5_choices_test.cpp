@@ -22,38 +22,38 @@ class Frm5ChoicesTest : public Frm5Test {
 };
 
 TEST_F(Frm5ChoicesTest, TheInputOfAFunctionIsChosenAmongTheChannelsInUse) {
-  Choose(panel.lblFchannel[0], 2);
+  Choose(panel.rows.lblFchannel[0], 2);
   EXPECT_THAT(ground.ui.popups, ElementsAre(ElementsAre("TEMP", "CO2", "RH")));
-  EXPECT_EQ(panel.lblFchannel[0].Text(), "RH");
+  EXPECT_EQ(panel.rows.lblFchannel[0].Text(), "RH");
   ExpectChanged(162, {2, 149, 24, 153, 0});
 }
 
 TEST_F(Frm5ChoicesTest, TheWordsOfAFunctionStayAndTakeTheUnitOfTheNewInput) {
-  Choose(panel.lblFchannel[0], 0);
-  EXPECT_EQ(panel.txbFa[0].Text(), "4");
-  EXPECT_EQ(panel.txbFb[0].Text(), "14");
-  EXPECT_EQ(panel.lblFaUnit[0].Text(), "C");
-  EXPECT_EQ(panel.lblFbUnit[0].Text(), "C");
+  Choose(panel.rows.lblFchannel[0], 0);
+  EXPECT_EQ(panel.rows.txbFa[0].Text(), "4");
+  EXPECT_EQ(panel.rows.txbFb[0].Text(), "14");
+  EXPECT_EQ(panel.rows.lblFaUnit[0].Text(), "C");
+  EXPECT_EQ(panel.rows.lblFbUnit[0].Text(), "C");
   EXPECT_EQ(Ram(162, 5), (std::vector<int>{0, 149, 24, 153, 0}));
 }
 
 TEST_F(Frm5ChoicesTest, EachFunctionStoresItsOwnInput) {
   for (int i = 0; i < 5; ++i) {
-    Choose(panel.lblFchannel[i], 2);
+    Choose(panel.rows.lblFchannel[i], 2);
     EXPECT_EQ(Ram(static_cast<std::size_t>(162 + 5 * i)), 2) << i;
   }
 }
 
 TEST_F(Frm5ChoicesTest, TheFormIsTakenBeforeAnInputIsChosen) {
   EditId();
-  panel.txbFa[0].SetText("401");
-  Choose(panel.lblFchannel[0], 2);
+  panel.rows.txbFa[0].SetText("401");
+  Choose(panel.rows.lblFchannel[0], 2);
   EXPECT_EQ(Ram(208), 9);
   EXPECT_EQ(Ram(163, 2), (std::vector<int>{149, 25}));
 }
 
 TEST_F(Frm5ChoicesTest, AMenuThatIsLeftChangesNothing) {
-  for (auto* label : {&panel.lblFchannel[1], &panel.lblDisplayMode, &panel.lblDigTunit}) {
+  for (auto* label : {&panel.rows.lblFchannel[1], &panel.lblDisplayMode, &panel.trigger.lblDigTunit}) {
     const auto text = label->Text();
     Choose(*label, -1);
     EXPECT_EQ(label->Text(), text);
@@ -76,7 +76,7 @@ TEST_F(Frm5ChoicesTest, AVisibleChannelComesBeforeAHiddenOneOfTheSameName) {
   auto ram = SampleRam();
   ram[65] = 105;
   Show(ram);
-  Choose(panel.lblFchannel[0], 1);
+  Choose(panel.rows.lblFchannel[0], 1);
   EXPECT_THAT(ground.ui.popups.back(), ElementsAre("CO2", "OFF"));
   EXPECT_EQ(Ram(162), 2);
   Choose(panel.lblShiftb, 1);
@@ -120,10 +120,10 @@ TEST_F(Frm5ChoicesTest, ADisplayModeIsStoredByItsIndex) {
 }
 
 TEST_F(Frm5ChoicesTest, TheTriggerTimeIsInMinutesOrSeconds) {
-  Choose(panel.lblDigTunit, 0);
+  Choose(panel.trigger.lblDigTunit, 0);
   EXPECT_THAT(ground.ui.popups, ElementsAre(ElementsAre("Min", "Sec")));
   ExpectChanged(187, {128 + 10});
-  Choose(panel.lblDigTunit, 1);
+  Choose(panel.trigger.lblDigTunit, 1);
   EXPECT_EQ(WholeRam(), SampleRam());
 }
 
@@ -132,9 +132,9 @@ TEST_F(Frm5ChoicesTest, TheTemperatureUnitOfChannel0IsStoredAsAType) {
   EXPECT_THAT(ground.ui.popups, ElementsAre(ElementsAre("C", "F")));
   ExpectChanged(205, {32});
   EXPECT_EQ(panel.lblCH_Type[0].Text(), "F");
-  EXPECT_EQ(panel.lblFaUnit[1].Text(), "F");
+  EXPECT_EQ(panel.rows.lblFaUnit[1].Text(), "F");
   // 18 C is 64.4 F.
-  EXPECT_EQ(panel.txbFa[1].Text(), "64");
+  EXPECT_EQ(panel.rows.txbFa[1].Text(), "64");
   Choose(panel.lblCH_Type[0], 0);
   EXPECT_EQ(Ram(205), 16);
   EXPECT_EQ(panel.lblCH_Type[0].Text(), "C");
@@ -173,20 +173,21 @@ TEST_F(Frm5ChoicesTest, TheFormIsTakenBeforeAUnitIsChosen) {
 }
 
 TEST_F(Frm5ChoicesTest, TheMenusOfTheLabelsAreNotInTheMenuBar) {
-  for (const auto* menu : {&panel.mChannels, &panel.mDisplayModes, &panel.mTempUnit, &panel.mTimeUnits}) {
+  for (const auto* menu :
+       {&panel.mChannels, &panel.mDisplayModes, &panel.mTempUnit, &panel.trigger.mTimeUnits}) {
     EXPECT_FALSE(menu->Visible()) << menu->Name();
   }
   EXPECT_EQ(panel.mTempUnitCelsius.Text(), "C");
   EXPECT_EQ(panel.mTempUnitFarenheit.Text(), "F");
-  EXPECT_EQ(panel.mTimeUnitMin.Text(), "Min");
-  EXPECT_EQ(panel.mTimeUnitSec.Text(), "Sec");
+  EXPECT_EQ(panel.trigger.mTimeUnitMin.Text(), "Min");
+  EXPECT_EQ(panel.trigger.mTimeUnitSec.Text(), "Sec");
 }
 
 TEST_F(Frm5ChoicesTest, APressOnThePositiveLevelMakesItNegative) {
-  EXPECT_TRUE(Click(panel.pctDigTPsign));
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "-29");
-  EXPECT_FALSE(panel.pctDigTPsign.Visible());
-  EXPECT_TRUE(panel.pctDigTNsign.Visible());
+  EXPECT_TRUE(Click(panel.trigger.pctDigTPsign));
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "-29");
+  EXPECT_FALSE(panel.trigger.pctDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.pctDigTNsign.Visible());
   EXPECT_TRUE(panel.FormRead());
   ExpectChanged(188, {128 + 37});
 }
@@ -194,10 +195,10 @@ TEST_F(Frm5ChoicesTest, APressOnThePositiveLevelMakesItNegative) {
 TEST_F(Frm5ChoicesTest, APressOnTheNegativeLevelMakesItPositive) {
   SetRam(188, {128 + 37});
   panel.FormUpdate();
-  EXPECT_TRUE(Click(panel.pctDigTNsign));
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "29");
-  EXPECT_TRUE(panel.pctDigTPsign.Visible());
-  EXPECT_FALSE(panel.pctDigTNsign.Visible());
+  EXPECT_TRUE(Click(panel.trigger.pctDigTNsign));
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "29");
+  EXPECT_TRUE(panel.trigger.pctDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.pctDigTNsign.Visible());
   EXPECT_TRUE(panel.FormRead());
   EXPECT_EQ(WholeRam(), SampleRam());
 }

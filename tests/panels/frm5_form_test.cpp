@@ -63,30 +63,30 @@ TEST_F(Frm5FormTest, ShowsTheShiftButtonInUnitsOfItsChannel) {
 }
 
 TEST_F(Frm5FormTest, ShowsTheFunctions) {
-  EXPECT_THAT(Texts(panel.lblFchannel), ElementsAre("CO2", "TEMP", "RH", "CO2", "TEMP"));
-  EXPECT_THAT(Texts(panel.txbFa), ElementsAre("400", "18", "40", "800", "-10"));
-  EXPECT_THAT(Texts(panel.txbFb), ElementsAre("1400", "26", "60", "1000", "0"));
-  EXPECT_THAT(Texts(panel.lblFaUnit), ElementsAre("ppm", "C", "%", "ppm", "C"));
-  EXPECT_THAT(Texts(panel.lblFbUnit), ElementsAre("ppm", "C", "%", "ppm", "C"));
-  EXPECT_THAT(Values(panel.cbxFout1), ElementsAre(1, 1, 0, 0, 0));
-  EXPECT_THAT(Values(panel.cbxFout2), ElementsAre(0, 0, 1, 0, 0));
+  EXPECT_THAT(Texts(panel.rows.lblFchannel), ElementsAre("CO2", "TEMP", "RH", "CO2", "TEMP"));
+  EXPECT_THAT(Texts(panel.rows.txbFa), ElementsAre("400", "18", "40", "800", "-10"));
+  EXPECT_THAT(Texts(panel.rows.txbFb), ElementsAre("1400", "26", "60", "1000", "0"));
+  EXPECT_THAT(Texts(panel.rows.lblFaUnit), ElementsAre("ppm", "C", "%", "ppm", "C"));
+  EXPECT_THAT(Texts(panel.rows.lblFbUnit), ElementsAre("ppm", "C", "%", "ppm", "C"));
+  EXPECT_THAT(Values(panel.rows.cbxFout[0]), ElementsAre(1, 1, 0, 0, 0));
+  EXPECT_THAT(Values(panel.rows.cbxFout[1]), ElementsAre(0, 0, 1, 0, 0));
 }
 
 TEST_F(Frm5FormTest, EachFunctionHasItsFiveBytes) {
   for (int i = 0; i < 5; ++i) {
     SetRam(static_cast<std::size_t>(162 + 5 * i), {1, 128 + 19, 136 + i, 128 + 23, 112 + i});
     panel.FormUpdate();
-    EXPECT_EQ(panel.lblFchannel[i].Text(), "CO2") << i;
-    EXPECT_EQ(panel.txbFa[i].Text(), std::to_string(i)) << i;
-    EXPECT_EQ(panel.txbFb[i].Text(), std::to_string(1000 + i)) << i;
+    EXPECT_EQ(panel.rows.lblFchannel[i].Text(), "CO2") << i;
+    EXPECT_EQ(panel.rows.txbFa[i].Text(), std::to_string(i)) << i;
+    EXPECT_EQ(panel.rows.txbFb[i].Text(), std::to_string(1000 + i)) << i;
   }
 }
 
 TEST_F(Frm5FormTest, TheFlagsAreNoPartOfTheWords) {
   SetRam(162, {1, 0x7F, 0xFF, 0xFF, 0xFF});
   panel.FormUpdate();
-  EXPECT_EQ(panel.txbFa[0].Text(), "27767");
-  EXPECT_EQ(panel.txbFb[0].Text(), "27767");
+  EXPECT_EQ(panel.rows.txbFa[0].Text(), "27767");
+  EXPECT_EQ(panel.rows.txbFb[0].Text(), "27767");
 }
 
 TEST_F(Frm5FormTest, ShowsTheOutputs) {
@@ -95,8 +95,8 @@ TEST_F(Frm5FormTest, ShowsTheOutputs) {
   EXPECT_THAT(Values(panel.optOut5Digital), ElementsAre(0, 0));
   EXPECT_THAT(Texts(panel.txbOutBaseLine), ElementsAre("0", "100"));
   EXPECT_THAT(Texts(panel.txbOutIntTime), ElementsAre("16", "2"));
-  EXPECT_EQ(panel.cbxDigTout1.Value(), 1);
-  EXPECT_EQ(panel.cbxDigTout2.Value(), 0);
+  EXPECT_EQ(panel.trigger.cbxDigTout[0].Value(), 1);
+  EXPECT_EQ(panel.trigger.cbxDigTout[1].Value(), 0);
 }
 
 TEST_F(Frm5FormTest, EveryBitOfTheFeedsHasItsCheckBox) {
@@ -106,15 +106,15 @@ TEST_F(Frm5FormTest, EveryBitOfTheFeedsHasItsCheckBox) {
     SetRam(189, {1 << i});
     SetRam(193, {31 - (1 << i)});
     panel.FormUpdate();
-    EXPECT_EQ(Values(panel.cbxFout1), expected);
+    EXPECT_EQ(Values(panel.rows.cbxFout[0]), expected);
     for (auto& value : expected) value = 1 - value;
-    EXPECT_EQ(Values(panel.cbxFout2), expected);
+    EXPECT_EQ(Values(panel.rows.cbxFout[1]), expected);
   }
   SetRam(189, {0});
   SetRam(193, {32});
   panel.FormUpdate();
-  EXPECT_EQ(panel.cbxDigTout1.Value(), 0);
-  EXPECT_EQ(panel.cbxDigTout2.Value(), 1);
+  EXPECT_EQ(panel.trigger.cbxDigTout[0].Value(), 0);
+  EXPECT_EQ(panel.trigger.cbxDigTout[1].Value(), 1);
 }
 
 TEST_F(Frm5FormTest, ShowsBaseLinesInWholePercent) {
@@ -146,18 +146,18 @@ TEST_F(Frm5FormTest, ShowsIntegrationTimesAsPowersOfTwo) {
 }
 
 TEST_F(Frm5FormTest, ShowsTheTrigger) {
-  EXPECT_EQ(panel.txbDigTtime.Text(), "2.5");
-  EXPECT_EQ(panel.lblDigTunit.Text(), "Sec");
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "29");
-  EXPECT_TRUE(panel.pctDigTPsign.Visible());
-  EXPECT_FALSE(panel.pctDigTNsign.Visible());
+  EXPECT_EQ(panel.trigger.txbDigTtime.Text(), "2.5");
+  EXPECT_EQ(panel.trigger.lblDigTunit.Text(), "Sec");
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "29");
+  EXPECT_TRUE(panel.trigger.pctDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.pctDigTNsign.Visible());
   SetRam(187, {255, 166});
   panel.FormUpdate();
-  EXPECT_EQ(panel.txbDigTtime.Text(), "31.75");
-  EXPECT_EQ(panel.lblDigTunit.Text(), "Min");
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "-29");
-  EXPECT_FALSE(panel.pctDigTPsign.Visible());
-  EXPECT_TRUE(panel.pctDigTNsign.Visible());
+  EXPECT_EQ(panel.trigger.txbDigTtime.Text(), "31.75");
+  EXPECT_EQ(panel.trigger.lblDigTunit.Text(), "Min");
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "-29");
+  EXPECT_FALSE(panel.trigger.pctDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.pctDigTNsign.Visible());
 }
 
 TEST_F(Frm5FormTest, CutsTheTriggerLevel) {
@@ -170,7 +170,7 @@ TEST_F(Frm5FormTest, CutsTheTriggerLevel) {
         Case{128 + 64, "-50"}, Case{63, "49"}}) {
     SetRam(188, {byte});
     panel.FormUpdate();
-    EXPECT_EQ(panel.txbDigTlevel.Text(), text) << byte;
+    EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), text) << byte;
   }
 }
 
@@ -250,19 +250,19 @@ TEST_F(Frm5FormTest, TakesLevelsIntoFifteenBitsAndKeepsTheFlags) {
        {Case{"401", 21, 25}, Case{"-1000", 15, 160}, Case{"27767", 127, 255}, Case{"27768", 0, 0},
         Case{"90000", 127, 255}, Case{"-5000", 0, 0}, Case{"12,5 ppm", 19, 148}}) {
     Show(SampleRam());
-    Read(panel.txbFa[0], text);
+    Read(panel.rows.txbFa[0], text);
     ExpectChanged(163, {static_cast<std::uint8_t>(128 + high), low});
     Show(SampleRam());
-    Read(panel.txbFb[3], text);
+    Read(panel.rows.txbFb[3], text);
     ExpectChanged(180, {high, low});
   }
 }
 
 TEST_F(Frm5FormTest, TakesLevelsInTheUnitOfTheirChannel) {
-  Read(panel.txbFb[2], "61.5");
+  Read(panel.rows.txbFb[2], "61.5");
   ExpectChanged(175, {128 + 21, 239});
   Show(SampleRam());
-  Read(panel.txbFa[1], "19.9");
+  Read(panel.rows.txbFa[1], "19.9");
   ExpectChanged(168, {128 + 27, 78});
 }
 
@@ -275,7 +275,7 @@ TEST_F(Frm5FormTest, TakesSignAndSlopeFromThePicture) {
   };
   for (const auto& [sign, slope, first, third] : {Case{true, true, 149, 153}, Case{true, false, 149, 25},
                                                   Case{false, true, 21, 153}, Case{false, false, 21, 25}}) {
-    panel.functions.FunkTypeUpdate(0, false, sign, slope);
+    panel.rows.functions.FunkTypeUpdate(0, false, sign, slope);
     EXPECT_TRUE(panel.FormRead());
     ExpectChanged(163, {first, 24, third, 0});
   }
@@ -285,11 +285,11 @@ TEST_F(Frm5FormTest, TakesWhatFeedsTheOutputs) {
   for (int i = 0; i < 5; ++i) {
     Show(SampleRam());
     for (int k = 0; k < 5; ++k) {
-      panel.cbxFout1[k].SetValue(k == i ? 1 : 0);
-      panel.cbxFout2[k].SetValue(k == i ? 0 : 1);
+      panel.rows.cbxFout[0][k].SetValue(k == i ? 1 : 0);
+      panel.rows.cbxFout[1][k].SetValue(k == i ? 0 : 1);
     }
-    panel.cbxDigTout1.SetValue(0);
-    panel.cbxDigTout2.SetValue(1);
+    panel.trigger.cbxDigTout[0].SetValue(0);
+    panel.trigger.cbxDigTout[1].SetValue(1);
     EXPECT_TRUE(panel.FormRead());
     EXPECT_EQ(Ram(189), 1 << i);
     EXPECT_EQ(Ram(193), 31 - (1 << i) + 32);
@@ -345,8 +345,8 @@ TEST_F(Frm5FormTest, ATimeWithoutALogarithmEndsTheReadingBeforeAnythingIsWritten
   for (const char* text : {"0", "", "-4", "none"}) {
     ground.session.LastError.clear();
     panel.txbID.SetText("12");
-    panel.txbFa[0].SetText("401");
-    panel.txbDigTtime.SetText("5");
+    panel.rows.txbFa[0].SetText("401");
+    panel.trigger.txbDigTtime.SetText("5");
     panel.txbOutIntTime[1].SetText(text);
     EXPECT_FALSE(panel.FormRead()) << text;
     EXPECT_EQ(WholeRam(), SampleRam()) << text;
@@ -366,13 +366,13 @@ TEST_F(Frm5FormTest, TakesTheTriggerTimeInQuarters) {
   for (const auto& [text, byte] : {Case{"2.6", 10}, Case{"2.625", 10}, Case{"2.875", 12}, Case{"0", 0},
                                    Case{"31.75", 127}, Case{"32", 0}, Case{"33", 4}}) {
     Show(SampleRam());
-    Read(panel.txbDigTtime, text);
+    Read(panel.trigger.txbDigTtime, text);
     ExpectChanged(187, {byte});
   }
-  panel.txbDigTtime.SetText("2.6");
-  Read(panel.lblDigTunit, "Min");
+  panel.trigger.txbDigTtime.SetText("2.6");
+  Read(panel.trigger.lblDigTunit, "Min");
   ExpectChanged(187, {128 + 10});
-  Read(panel.lblDigTunit, "Sec");
+  Read(panel.trigger.lblDigTunit, "Sec");
   ExpectChanged(187, {10});
 }
 
@@ -387,10 +387,10 @@ TEST_F(Frm5FormTest, TakesTheTriggerLevel) {
        {Case{"-30", 166, "-29"}, Case{"30", 38, "29"}, Case{"100", 127, "100"}, Case{"-100", 255, "-100"},
         Case{"0", 0, "0"}, Case{"150", 62, "48"}, Case{"50", 64, "50"}, Case{"-50", 192, "-50"}}) {
     Show(SampleRam());
-    Read(panel.txbDigTlevel, text);
+    Read(panel.trigger.txbDigTlevel, text);
     ExpectChanged(188, {byte});
     panel.FormUpdate();
-    EXPECT_EQ(panel.txbDigTlevel.Text(), shown);
+    EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), shown);
   }
 }
 

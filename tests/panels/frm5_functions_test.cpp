@@ -109,10 +109,10 @@ TEST_F(Frm5FunctionsTest, FeedingADigitalOutputTurnsThePicture) {
   SetRam(193, {64 | 4});
   panel.FormUpdate();
   EXPECT_EQ(Picture(3), "pctFNsignNslope");
-  EXPECT_TRUE(Click(panel.cbxFout2[3]));
+  EXPECT_TRUE(Click(panel.rows.cbxFout[1][3]));
   EXPECT_EQ(Picture(3), "pctFDigNsignNslope");
   EXPECT_EQ(Ram(193), 64 | 4 | 8);
-  EXPECT_TRUE(Click(panel.cbxFout2[3]));
+  EXPECT_TRUE(Click(panel.rows.cbxFout[1][3]));
   EXPECT_EQ(Picture(3), "pctFNsignNslope");
   EXPECT_EQ(Ram(193), 64 | 4);
 }

@@ -109,16 +109,16 @@ TEST_F(Frm5OutputsTest, AnOutputThatIsAnalogAgainHasTheBaseLineZero) {
 }
 
 TEST_F(Frm5OutputsTest, ChecksAreStoredWithTheClick) {
-  Click(panel.cbxFout1[4]);
+  Click(panel.rows.cbxFout[0][4]);
   ExpectChanged(189, {1 | 2 | 16 | 32});
-  Click(panel.cbxFout1[4]);
-  Click(panel.cbxFout2[0]);
+  Click(panel.rows.cbxFout[0][4]);
+  Click(panel.rows.cbxFout[1][0]);
   ExpectChanged(193, {1 | 4});
-  Click(panel.cbxFout2[0]);
-  Click(panel.cbxDigTout1);
+  Click(panel.rows.cbxFout[1][0]);
+  Click(panel.trigger.cbxDigTout[0]);
   ExpectChanged(189, {1 | 2});
-  Click(panel.cbxDigTout1);
-  Click(panel.cbxDigTout2);
+  Click(panel.trigger.cbxDigTout[0]);
+  Click(panel.trigger.cbxDigTout[1]);
   ExpectChanged(193, {4 | 32});
 }
 

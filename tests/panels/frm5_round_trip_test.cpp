@@ -115,11 +115,11 @@ TEST_F(Frm5RoundTripTest, TheTriggerLevelCreepsTowardZero) {
   // 39 / 127 is 30.7 %, shown as 30; 30 % is 38.1, and 38 / 127 is 29.9 %, shown as 29.
   SetRam(188, {39});
   panel.FormUpdate();
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "30");
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "30");
   panel.FormRead();
   EXPECT_EQ(Ram(188), 38);
   panel.FormUpdate();
-  EXPECT_EQ(panel.txbDigTlevel.Text(), "29");
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "29");
   panel.FormRead();
   EXPECT_EQ(Ram(188), 37);
 }

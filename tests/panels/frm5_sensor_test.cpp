@@ -179,14 +179,14 @@ TEST_F(Frm5SensorTest, ShowsWhatItReadFromTheSensor) {
   Hold(ram);
   EXPECT_TRUE(panel.ActionSensorRead());
   EXPECT_EQ(panel.lblDisplayMode.Text(), panel.mDisplayMode[4].Text());
-  EXPECT_EQ(panel.txbFa[0].Text(), "401");
+  EXPECT_EQ(panel.rows.txbFa[0].Text(), "401");
   EXPECT_EQ(WholeRam(), SensorRam());
 }
 
 TEST_F(Frm5SensorTest, AReadDropsWhatWasTyped) {
-  test::Type(panel.txbFa[0], "999");
+  test::Type(panel.rows.txbFa[0], "999");
   EXPECT_TRUE(panel.ActionSensorRead());
-  EXPECT_EQ(panel.txbFa[0].Text(), "400");
+  EXPECT_EQ(panel.rows.txbFa[0].Text(), "400");
 }
 
 TEST_F(Frm5SensorTest, AReadAddressesTheOnlySensorEverAfter) {
@@ -264,7 +264,7 @@ TEST_F(Frm5SensorTest, AFailedReadLeavesTheCheckBoxSet) {
   EXPECT_FALSE(panel.ActionSensorRead());
   EXPECT_EQ(panel.cbxSimulated.Value(), 1);
   EXPECT_EQ(session.LastError, "Can't read from sensor");
-  EXPECT_EQ(panel.txbFa[0].Text(), "400");
+  EXPECT_EQ(panel.rows.txbFa[0].Text(), "400");
   EXPECT_EQ(panel.form.Caption(), "KVX3.0");
   EXPECT_EQ(panel.txbCHact[0].Fore(), test::kGreen);
   EXPECT_FALSE(port.PortOpen());
@@ -335,7 +335,7 @@ TEST_F(Frm5SensorTest, EveryWriteIsOneOutputBehindItsRequestToSend) {
 
 TEST_F(Frm5SensorTest, SendsWhatTheFieldsSay) {
   panel.txbID.SetText("12");
-  panel.txbFa[0].SetText("401");
+  panel.rows.txbFa[0].SetText("401");
   EXPECT_TRUE(panel.ActionSensorWrite());
   const auto ram = SensorRam();
   EXPECT_EQ(ram[208], 12);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "panels/panel_fixture.h"
+#include "panels/loop_act.h"
 
 namespace brelant {
 namespace {
@@ -21,11 +21,11 @@ class Frm5SimulateTest : public Frm5Test {
   void MakeDigital(int output) { panel.form.Select(panel.optOut5Digital[output]); }
   /// A function on CO2 from 400 to 1400, which feeds the output.
   void Feed(int output, int function, bool sign, bool slope) {
-    panel.lblFchannel[function].SetText("CO2");
-    panel.txbFa[function].SetText("400");
-    panel.txbFb[function].SetText("1400");
-    (output == 0 ? panel.cbxFout1 : panel.cbxFout2)[function].SetValue(1);
-    panel.functions.FunkTypeUpdate(function, false, sign, slope);
+    panel.rows.lblFchannel[function].SetText("CO2");
+    panel.rows.txbFa[function].SetText("400");
+    panel.rows.txbFb[function].SetText("1400");
+    (output == 0 ? panel.rows.cbxFout[0] : panel.rows.cbxFout[1])[function].SetValue(1);
+    panel.rows.functions.FunkTypeUpdate(function, false, sign, slope);
   }
   void SetCO2(const std::string& text) { panel.txbCHact[1].SetText(text); }
   std::string Simulated(int output) {
@@ -82,9 +82,9 @@ TEST_F(Frm5SimulateTest, ADigitalShapeContributesAsItsAnalogOne) {
   for (const auto& [sign, slope, base, output] :
        {Case{true, true, "0", "25"}, Case{true, false, "0", "75"}, Case{false, false, "100", "75"},
         Case{false, true, "100", "25"}}) {
-    panel.cbxFout2[0].SetValue(1);
+    panel.rows.cbxFout[1][0].SetValue(1);
     Feed(0, 0, sign, slope);
-    ASSERT_LE(panel.functions.VisibleType(0).value_or(99), 3);
+    ASSERT_LE(panel.rows.functions.VisibleType(0).value_or(99), 3);
     panel.txbOutBaseLine[0].SetText(base);
     EXPECT_EQ(Simulated(0), output) << sign << slope;
   }
@@ -105,7 +105,7 @@ TEST_F(Frm5SimulateTest, TheSumIsLimitedAfterEachFunction) {
   // 50 + 100 is 100, less 25 is 75; limited at the end only it would be 100.
   panel.txbOutBaseLine[0].SetText("50");
   Feed(0, 0, true, true);
-  panel.txbFb[0].SetText("650");
+  panel.rows.txbFb[0].SetText("650");
   Feed(0, 1, false, false);
   SetCO2("650");
   EXPECT_EQ(Simulated(0), "75");
@@ -116,7 +116,7 @@ TEST_F(Frm5SimulateTest, TheOrderOfTheFunctionsMatters) {
   panel.txbOutBaseLine[0].SetText("50");
   Feed(0, 0, false, false);
   Feed(0, 1, true, true);
-  panel.txbFb[1].SetText("650");
+  panel.rows.txbFb[1].SetText("650");
   SetCO2("650");
   EXPECT_EQ(Simulated(0), "100");
 }
@@ -127,8 +127,8 @@ TEST_F(Frm5SimulateTest, TheSumIsLimitedBelowToo) {
   Feed(0, 1, false, false);
   Feed(0, 2, true, true);
   Feed(0, 3, true, true);
-  panel.txbFa[3].SetText("1400");
-  panel.txbFb[3].SetText("5400");
+  panel.rows.txbFa[3].SetText("1400");
+  panel.rows.txbFb[3].SetText("5400");
   SetCO2("2600");
   EXPECT_EQ(Simulated(0), "30");
 }
@@ -138,7 +138,7 @@ TEST_F(Frm5SimulateTest, ALimitedSumIsWhatTheNextFunctionAddsTo) {
   panel.txbOutBaseLine[0].SetText("-100");
   Feed(0, 0, false, false);
   Feed(0, 1, true, true);
-  panel.txbFb[1].SetText("650");
+  panel.rows.txbFb[1].SetText("650");
   Feed(0, 2, true, true);
   SetCO2("650");
   EXPECT_EQ(Simulated(0), "25");
@@ -158,17 +158,17 @@ TEST_F(Frm5SimulateTest, AFunctionTakesTheChannelOfItsName) {
   panel.txbCHact[1].SetText("900");
   panel.txbCHact[2].SetText("1150");
   EXPECT_EQ(Simulated(0), "50");
-  panel.lblFchannel[0].SetText("TEMP");
+  panel.rows.lblFchannel[0].SetText("TEMP");
   EXPECT_EQ(Simulated(0), "25");
-  panel.lblFchannel[0].SetText("RH");
+  panel.rows.lblFchannel[0].SetText("RH");
   EXPECT_EQ(Simulated(0), "75");
 }
 
 TEST_F(Frm5SimulateTest, AFunctionWithoutAChannelIsSkipped) {
   panel.txbOutBaseLine[0].SetText("40");
   Feed(0, 0, true, true);
-  panel.lblFchannel[0].SetText("OFF");
-  panel.txbFb[0].SetText("400");
+  panel.rows.lblFchannel[0].SetText("OFF");
+  panel.rows.txbFb[0].SetText("400");
   SetCO2("650");
   EXPECT_EQ(Simulated(0), "40");
 }
@@ -176,7 +176,7 @@ TEST_F(Frm5SimulateTest, AFunctionWithoutAChannelIsSkipped) {
 TEST_F(Frm5SimulateTest, TheShiftButtonActsOnItsChannelAlone) {
   Feed(0, 0, true, true);
   Feed(1, 1, true, true);
-  panel.lblFchannel[1].SetText("RH");
+  panel.rows.lblFchannel[1].SetText("RH");
   panel.txbCHact[1].SetText("400");
   panel.txbCHact[2].SetText("400");
   panel.lblShiftb.SetText("CO2");
@@ -195,8 +195,8 @@ TEST_F(Frm5SimulateTest, TheShiftButtonActsOnItsChannelAlone) {
 TEST_F(Frm5SimulateTest, WithAAboveBBothLimitsHoldInOrder) {
   // x goes to b and then to a: q is 0.
   Feed(0, 0, true, false);
-  panel.txbFa[0].SetText("1400");
-  panel.txbFb[0].SetText("400");
+  panel.rows.txbFa[0].SetText("1400");
+  panel.rows.txbFb[0].SetText("400");
   SetCO2("650");
   EXPECT_EQ(Simulated(0), "100");
 }
@@ -204,7 +204,7 @@ TEST_F(Frm5SimulateTest, WithAAboveBBothLimitsHoldInOrder) {
 TEST_F(Frm5SimulateTest, AnEqualToBLeavesBothOutputs) {
   panel.txbOutBaseLine[0].SetText("40");
   Feed(1, 1, true, true);
-  panel.txbFb[1].SetText("400");
+  panel.rows.txbFb[1].SetText("400");
   panel.txbOutOut[0].SetText("77");
   panel.txbOutOut[1].SetText("88");
   for (const char* value : {"300", "400", "500"}) {
@@ -217,21 +217,21 @@ TEST_F(Frm5SimulateTest, AnEqualToBLeavesBothOutputs) {
 
 TEST_F(Frm5SimulateTest, AnEqualToBOfAFunctionThatFeedsNothingIsNoFault) {
   panel.txbOutBaseLine[0].SetText("40");
-  panel.txbFa[0].SetText("400");
-  panel.txbFb[0].SetText("400");
+  panel.rows.txbFa[0].SetText("400");
+  panel.rows.txbFb[0].SetText("400");
   EXPECT_EQ(Simulated(0), "40");
 }
 
 // The trigger
 
 TEST_F(Frm5SimulateTest, ATriggerThatDoesNotRunAddsNothing) {
-  panel.cbxDigTout1.SetValue(1);
+  panel.trigger.cbxDigTout[0].SetValue(1);
   EXPECT_EQ(Simulated(0), "0");
 }
 
 TEST_F(Frm5SimulateTest, APositiveTriggerAddsItsLevel) {
-  panel.cbxDigTout1.SetValue(1);
-  panel.linDigTPsign.SetVisible(true);
+  panel.trigger.cbxDigTout[0].SetValue(1);
+  panel.trigger.linDigTPsign.SetVisible(true);
   panel.Simulate();
   EXPECT_THAT(Texts(panel.txbOutOut), ElementsAre("29", "0"));
   panel.txbOutBaseLine[0].SetText("90");
@@ -239,9 +239,9 @@ TEST_F(Frm5SimulateTest, APositiveTriggerAddsItsLevel) {
 }
 
 TEST_F(Frm5SimulateTest, ANegativeTriggerCountsDouble) {
-  panel.cbxDigTout2.SetValue(1);
-  panel.linDigTNsign.SetVisible(true);
-  panel.txbDigTlevel.SetText("-29");
+  panel.trigger.cbxDigTout[1].SetValue(1);
+  panel.trigger.linDigTNsign.SetVisible(true);
+  panel.trigger.txbDigTlevel.SetText("-29");
   panel.txbOutBaseLine[0].SetText("100");
   panel.txbOutBaseLine[1].SetText("100");
   panel.Simulate();
@@ -253,9 +253,9 @@ TEST_F(Frm5SimulateTest, TheTriggerComesAfterTheFunctions) {
   panel.txbOutBaseLine[0].SetText("80");
   Feed(0, 0, true, true);
   SetCO2("1400");
-  panel.cbxDigTout1.SetValue(1);
-  panel.linDigTNsign.SetVisible(true);
-  panel.txbDigTlevel.SetText("-29");
+  panel.trigger.cbxDigTout[0].SetValue(1);
+  panel.trigger.linDigTNsign.SetVisible(true);
+  panel.trigger.txbDigTlevel.SetText("-29");
   EXPECT_EQ(Simulated(0), "42");
 }
 
@@ -310,10 +310,10 @@ TEST_F(Frm5SimulateTest, ANegativeSumTurnsADigitalOutputOff) {
 
 TEST_F(Frm5SimulateTest, ATriggerSwitchesADigitalOutput) {
   MakeDigital(0);
-  panel.cbxDigTout1.SetValue(1);
-  panel.txbDigTlevel.SetText("100");
+  panel.trigger.cbxDigTout[0].SetValue(1);
+  panel.trigger.txbDigTlevel.SetText("100");
   EXPECT_EQ(Simulated(0), "0");
-  panel.linDigTPsign.SetVisible(true);
+  panel.trigger.linDigTPsign.SetVisible(true);
   EXPECT_EQ(Simulated(0), "100");
 }
 
@@ -321,8 +321,8 @@ TEST_F(Frm5SimulateTest, ASumAboveAHundredTurnsADigitalOutputOn) {
   MakeDigital(0);
   Feed(0, 0, true, true);
   SetCO2("1400");
-  panel.cbxDigTout1.SetValue(1);
-  panel.linDigTPsign.SetVisible(true);
+  panel.trigger.cbxDigTout[0].SetValue(1);
+  panel.trigger.linDigTPsign.SetVisible(true);
   EXPECT_EQ(Simulated(0), "100");
 }
 
@@ -334,6 +334,15 @@ TEST_F(Frm5SimulateTest, TheFormSimulatesOnlyInSimulatedMode) {
   panel.SimMode(true);
   panel.FormUpdate();
   EXPECT_EQ(panel.txbOutOut[0].Text(), "33");
+}
+
+TEST_F(Frm5SimulateTest, TheLoopMakesAPassBeforeItWaitsForAnEvent) {
+  panel.txbOutBaseLine[0].SetText("25");
+  std::string seen;
+  // The first event that could come.
+  ground.pump.After(std::chrono::milliseconds(1), [&] { seen = panel.txbOutOut[0].Text(); });
+  test::RunLoop(ground, panel, std::chrono::seconds(1));
+  EXPECT_EQ(seen, "25");
 }
 
 }  // namespace

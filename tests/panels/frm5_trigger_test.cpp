@@ -20,40 +20,40 @@ class Frm5TriggerTest : public Frm5Test {
 
   void After(milliseconds delay, std::function<void()> act) { ground.pump.After(delay, std::move(act)); }
   void Run(std::chrono::microseconds span) { test::RunLoop(ground, panel, span); }
-  void Trigger() { EXPECT_TRUE(Click(panel.btnDigTrig)); }
+  void Trigger() { EXPECT_TRUE(Click(panel.trigger.btnDigTrig)); }
 };
 
 TEST_F(Frm5TriggerTest, TheButtonIsThereInSimulatedModeOnly) {
-  EXPECT_TRUE(panel.btnDigTrig.Visible());
+  EXPECT_TRUE(panel.trigger.btnDigTrig.Visible());
   panel.SimMode(false);
-  EXPECT_FALSE(panel.btnDigTrig.Visible());
-  EXPECT_FALSE(Click(panel.btnDigTrig));
+  EXPECT_FALSE(panel.trigger.btnDigTrig.Visible());
+  EXPECT_FALSE(Click(panel.trigger.btnDigTrig));
 }
 
 TEST_F(Frm5TriggerTest, NoBarIsShownAtFirst) {
-  EXPECT_FALSE(panel.linDigTPsign.Visible());
-  EXPECT_FALSE(panel.linDigTNsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTNsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, TheBarOfTheSignInForceIsShown) {
   Trigger();
-  EXPECT_TRUE(panel.linDigTPsign.Visible());
-  EXPECT_FALSE(panel.linDigTNsign.Visible());
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTNsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, TheBarOfANegativeSignIsShown) {
   SetRam(188, {128 + 37});
   panel.FormUpdate();
   Trigger();
-  EXPECT_FALSE(panel.linDigTPsign.Visible());
-  EXPECT_TRUE(panel.linDigTNsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.linDigTNsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, TheBarMovesInProportionAndGoesAtTheEnd) {
   std::vector<int> bars;
   std::vector<std::string> outputs;
   const auto look = [&] {
-    bars.push_back(panel.linDigTPsign.Visible() ? panel.linDigTPsign.Value() : -1);
+    bars.push_back(panel.trigger.linDigTPsign.Visible() ? panel.trigger.linDigTPsign.Value() : -1);
     outputs.push_back(panel.txbOutOut[0].Text());
   };
   After(milliseconds(1000), [&] { Trigger(); });
@@ -71,7 +71,7 @@ TEST_F(Frm5TriggerTest, TheBarMovesInProportionAndGoesAtTheEnd) {
 
 TEST_F(Frm5TriggerTest, TheTriggerEndsAtItsTime) {
   std::vector<bool> visible;
-  const auto look = [&] { visible.push_back(panel.linDigTPsign.Visible()); };
+  const auto look = [&] { visible.push_back(panel.trigger.linDigTPsign.Visible()); };
   Trigger();
   After(milliseconds(2490), look);
   After(milliseconds(2560), look);
@@ -87,12 +87,12 @@ TEST_F(Frm5TriggerTest, ANegativeTriggerEndsToo) {
   const auto look = [&] { outputs.push_back(panel.txbOutOut[0].Text()); };
   Trigger();
   After(milliseconds(1250), [&] {
-    EXPECT_NEAR(panel.linDigTNsign.Value(), 50, 3);
+    EXPECT_NEAR(panel.trigger.linDigTNsign.Value(), 50, 3);
     look();
   });
   After(milliseconds(2600), look);
   Run(seconds(3));
-  EXPECT_FALSE(panel.linDigTNsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTNsign.Visible());
   // 100 less twice 29.
   EXPECT_EQ(outputs, (std::vector<std::string>{"42", "100"}));
 }
@@ -101,7 +101,9 @@ TEST_F(Frm5TriggerTest, MinutesLastSixtyTimesAsLong) {
   SetRam(187, {128 + 10});
   panel.FormUpdate();
   std::vector<int> bars;
-  const auto look = [&] { bars.push_back(panel.linDigTPsign.Visible() ? panel.linDigTPsign.Value() : -1); };
+  const auto look = [&] {
+    bars.push_back(panel.trigger.linDigTPsign.Visible() ? panel.trigger.linDigTPsign.Value() : -1);
+  };
   Trigger();
   After(seconds(75), look);
   After(seconds(149), look);
@@ -114,34 +116,34 @@ TEST_F(Frm5TriggerTest, MinutesLastSixtyTimesAsLong) {
 }
 
 TEST_F(Frm5TriggerTest, AnyUnitButSecondsIsMinutes) {
-  panel.lblDigTunit.SetText("hours");
+  panel.trigger.lblDigTunit.SetText("hours");
   bool visible = false;
   Trigger();
-  After(seconds(140), [&] { visible = panel.linDigTPsign.Visible(); });
+  After(seconds(140), [&] { visible = panel.trigger.linDigTPsign.Visible(); });
   Run(seconds(141));
   EXPECT_TRUE(visible);
 }
 
 TEST_F(Frm5TriggerTest, ATimeOfZeroTriggersNothing) {
-  panel.txbDigTtime.SetText("0");
+  panel.trigger.txbDigTtime.SetText("0");
   Trigger();
-  EXPECT_FALSE(panel.linDigTPsign.Visible());
-  EXPECT_FALSE(panel.linDigTNsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTNsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, ANegativeTimeIsOverAtOnce) {
-  panel.txbDigTtime.SetText("-5");
+  panel.trigger.txbDigTtime.SetText("-5");
   Trigger();
-  EXPECT_TRUE(panel.linDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
   Run(milliseconds(100));
-  EXPECT_FALSE(panel.linDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, ASecondPressDoesNotProlongIt) {
   bool visible = true;
   Trigger();
   After(seconds(2), [&] { Trigger(); });
-  After(milliseconds(2600), [&] { visible = panel.linDigTPsign.Visible(); });
+  After(milliseconds(2600), [&] { visible = panel.trigger.linDigTPsign.Visible(); });
   Run(seconds(3));
   EXPECT_FALSE(visible);
 }
@@ -150,18 +152,18 @@ TEST_F(Frm5TriggerTest, ItCanBeTriggeredAgain) {
   bool visible = false;
   Trigger();
   After(seconds(3), [&] { Trigger(); });
-  After(seconds(4), [&] { visible = panel.linDigTPsign.Visible(); });
+  After(seconds(4), [&] { visible = panel.trigger.linDigTPsign.Visible(); });
   Run(seconds(5));
   EXPECT_TRUE(visible);
 }
 
 TEST_F(Frm5TriggerTest, WithATimeOfZeroTheRoundsLeaveARunningTriggerAlone) {
   std::vector<bool> visible;
-  const auto look = [&] { visible.push_back(panel.linDigTPsign.Visible()); };
+  const auto look = [&] { visible.push_back(panel.trigger.linDigTPsign.Visible()); };
   Trigger();
-  After(seconds(1), [&] { test::Type(panel.txbDigTtime, "0"); });
+  After(seconds(1), [&] { test::Type(panel.trigger.txbDigTtime, "0"); });
   After(seconds(4), look);
-  After(seconds(5), [&] { test::Type(panel.txbDigTtime, "1"); });
+  After(seconds(5), [&] { test::Type(panel.trigger.txbDigTtime, "1"); });
   After(seconds(6), look);
   Run(seconds(7));
   EXPECT_EQ(visible, (std::vector<bool>{true, false}));
@@ -170,13 +172,13 @@ TEST_F(Frm5TriggerTest, WithATimeOfZeroTheRoundsLeaveARunningTriggerAlone) {
 TEST_F(Frm5TriggerTest, LeavingSimulatedModeDoesNotTouchTheBar) {
   Trigger();
   panel.SimMode(false);
-  EXPECT_TRUE(panel.linDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
 }
 
 TEST_F(Frm5TriggerTest, MidnightDoesNotEndIt) {
   ground.clock.SetTimer(86399.0);
   std::vector<bool> visible;
-  const auto look = [&] { visible.push_back(panel.linDigTPsign.Visible()); };
+  const auto look = [&] { visible.push_back(panel.trigger.linDigTPsign.Visible()); };
   Trigger();
   After(milliseconds(2400), look);
   After(milliseconds(2600), look);

@@ -13,10 +13,10 @@ class FunctionBlocksTest : public testing::Test {
  protected:
   /// Numbers of the pictures of a function that are visible.
   std::vector<int> Visible(int function) {
-    static constexpr std::array<const char*, 10> kPictures{
+    static constexpr std::array<const char*, 12> kPictures{
         "pctFDigPsignPslope", "pctFDigPsignNslope", "pctFDigNsignPslope", "pctFDigNsignNslope",
         "pctFNsignNslope",    "pctFNsignPslope",    "pctFPsignNslope",    "pctFPsignPslope",
-        "pctFPslope",         "pctFNslope"};
+        "pctFPslope",         "pctFNslope",         "pctFDigPslope",      "pctFDigNslope"};
     std::vector<int> visible;
     for (std::size_t type = 0; type < kPictures.size(); ++type) {
       const auto name = std::string(kPictures[type]) + "(" + std::to_string(function) + ")";
@@ -38,7 +38,7 @@ class FunctionBlocksTest : public testing::Test {
   Form form{screen, "form", ""};
   FunctionClass kind = FunctionClass::analog;
   int changes = 0;
-  FunctionBlocks blocks{form, 2, [this](int) { return kind; }, [this] { ++changes; }};
+  FunctionBlocks blocks{form, 2, FunctionBlocks::kTypes, [this](int) { return kind; }, [this] { ++changes; }};
 };
 
 TEST_F(FunctionBlocksTest, NothingIsVisibleAtFirst) {
@@ -56,11 +56,14 @@ TEST_F(FunctionBlocksTest, ChoosesThePictureByClassSignAndSlope) {
   const auto digital = FunctionClass::digital;
   const auto analog = FunctionClass::analog;
   const auto noSign = FunctionClass::unsignedAnalog;
+  const auto digitalNoSign = FunctionClass::unsignedDigital;
   for (const auto& [function, sign, slope, type] :
        {Case{digital, true, true, 0}, Case{digital, true, false, 1}, Case{digital, false, true, 2},
         Case{digital, false, false, 3}, Case{analog, false, false, 4}, Case{analog, false, true, 5},
         Case{analog, true, false, 6}, Case{analog, true, true, 7}, Case{noSign, true, true, 8},
-        Case{noSign, false, true, 8}, Case{noSign, true, false, 9}, Case{noSign, false, false, 9}}) {
+        Case{noSign, false, true, 8}, Case{noSign, true, false, 9}, Case{noSign, false, false, 9},
+        Case{digitalNoSign, true, true, 10}, Case{digitalNoSign, false, true, 10},
+        Case{digitalNoSign, true, false, 11}, Case{digitalNoSign, false, false, 11}}) {
     kind = function;
     blocks.FunkTypeUpdate(1, false, sign, slope);
     EXPECT_THAT(Visible(1), ElementsAre(type));
@@ -89,15 +92,17 @@ TEST_F(FunctionBlocksTest, ReadsSignAndSlopeFromThePicture) {
 }
 
 TEST_F(FunctionBlocksTest, APictureWithoutASignTellsTheSlopeOnly) {
-  kind = FunctionClass::unsignedAnalog;
-  for (const bool slope : {true, false}) {
-    blocks.FunkTypeUpdate(0, false, true, slope);
-    for (const bool before : {true, false}) {
-      bool sign = before;
-      bool readSlope = !slope;
-      blocks.FunkTypeRead(0, sign, readSlope);
-      EXPECT_EQ(readSlope, slope);
-      EXPECT_EQ(sign, before);
+  for (const auto function : {FunctionClass::unsignedAnalog, FunctionClass::unsignedDigital}) {
+    kind = function;
+    for (const bool slope : {true, false}) {
+      blocks.FunkTypeUpdate(0, false, true, slope);
+      for (const bool before : {true, false}) {
+        bool sign = before;
+        bool readSlope = !slope;
+        blocks.FunkTypeRead(0, sign, readSlope);
+        EXPECT_EQ(readSlope, slope);
+        EXPECT_EQ(sign, before);
+      }
     }
   }
 }
@@ -119,12 +124,29 @@ TEST_F(FunctionBlocksTest, StepsThroughTheGroupWithoutASign) {
   EXPECT_THAT(Step(3), ElementsAre(9, 8, 9));
 }
 
+TEST_F(FunctionBlocksTest, StepsThroughTheDigitalGroupWithoutASign) {
+  kind = FunctionClass::unsignedDigital;
+  blocks.FunkTypeUpdate(0, false, false, true);
+  EXPECT_THAT(Step(3), ElementsAre(11, 10, 11));
+}
+
+TEST_F(FunctionBlocksTest, APanelWithoutDigitalShapesWithoutASignHasNoPicturesOfThem) {
+  Form other{screen, "other", ""};
+  const FunctionBlocks usual(
+      other, 1, FunctionBlocks::kUsualTypes, [](int) { return FunctionClass::analog; }, [] {});
+  EXPECT_NE(other.Find("pctFNslope(0)"), nullptr);
+  EXPECT_EQ(other.Find("pctFDigPslope(0)"), nullptr);
+  EXPECT_EQ(other.Find("pctFDigNslope(0)"), nullptr);
+}
+
 TEST_F(FunctionBlocksTest, AStepIntoAnotherGroupBeginsAtItsFirst) {
   blocks.FunkTypeUpdate(0, false, true, false);
   kind = FunctionClass::digital;
   EXPECT_THAT(Step(1), ElementsAre(0));
   kind = FunctionClass::unsignedAnalog;
   EXPECT_THAT(Step(1), ElementsAre(8));
+  kind = FunctionClass::unsignedDigital;
+  EXPECT_THAT(Step(1), ElementsAre(10));
   kind = FunctionClass::analog;
   EXPECT_THAT(Step(1), ElementsAre(4));
 }

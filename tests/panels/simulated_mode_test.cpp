@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <utility>
+#include <vector>
+
 #include "panels/panel_fixture.h"
 
 namespace brelant {
@@ -19,7 +22,7 @@ class SimulatedModeTest : public Frm5Test {
       EXPECT_EQ(control->Enabled(), !simulated) << control->Name();
     }
     EXPECT_EQ(panel.form.Caption(), simulated ? "KVX3.0 Simulated mode" : "KVX3.0");
-    EXPECT_EQ(panel.btnDigTrig.Visible(), simulated);
+    EXPECT_EQ(panel.trigger.btnDigTrig.Visible(), simulated);
   }
 };
 
@@ -59,6 +62,25 @@ TEST_F(SimulatedModeTest, CommandsOfTheSensorCannotBeGiven) {
     EXPECT_FALSE(Click(*control)) << control->Name();
   }
   EXPECT_EQ(ground.session.PanelCommand, 0);
+}
+
+TEST_F(SimulatedModeTest, NorCanThoseUnderADisabledMenu) {
+  // They are enabled themselves, the menu over them or over that one is not.
+  std::vector<Control*> entries;
+  for (const char* name : {"CalTemp", "mCalCO2span", "mCalCO2Zero", "mCalCO2Background", "mCalCO2Other"}) {
+    entries.push_back(panel.form.Find(name));
+  }
+  panel.SimMode(true);
+  for (auto* entry : entries) {
+    EXPECT_TRUE(entry->Enabled()) << entry->Name();
+    EXPECT_FALSE(Click(*entry)) << entry->Name();
+    EXPECT_EQ(ground.session.PanelCommand, 0) << entry->Name();
+  }
+  panel.SimMode(false);
+  for (auto* entry : entries) {
+    EXPECT_TRUE(Click(*entry)) << entry->Name();
+    EXPECT_NE(std::exchange(ground.session.PanelCommand, 0), 0) << entry->Name();
+  }
 }
 
 TEST_F(SimulatedModeTest, TheImageStaysAsItWas) {

@@ -111,6 +111,38 @@ TEST_F(FormTest, ActsOnWhatIsHiddenOrDisabledAreIgnored) {
   EXPECT_THAT(story, ElementsAre());
 }
 
+TEST_F(FormTest, AnEntryUnderADisabledMenuCannotBeClicked) {
+  auto& menu = form.AddMenu("", "mCalibrate", "Calibrate");
+  auto& inner = form.AddMenu("mCalibrate", "mGas", "Gas");
+  auto& entry = form.AddMenu("mGas", "mZero", "Zero");
+  entry.onClick = Tell("zero");
+  for (auto* disabled : {&menu, &inner}) {
+    disabled->SetEnabled(false);
+    EXPECT_FALSE(form.Click(entry)) << disabled->Name();
+    disabled->SetEnabled(true);
+  }
+  EXPECT_THAT(story, ElementsAre());
+  EXPECT_TRUE(form.Click(entry));
+  EXPECT_THAT(story, ElementsAre("zero"));
+}
+
+TEST_F(FormTest, AnEntryOfAMenuThatIsOnlyPoppedUpCanBeClickedUnlessItIsDisabled) {
+  auto& menu = form.AddMenu("", "mUnits", "Units");
+  auto& entry = form.AddMenu("mUnits", "mCelsius", "C");
+  menu.SetVisible(false);
+  EXPECT_TRUE(form.Click(entry));
+  menu.SetEnabled(false);
+  EXPECT_FALSE(form.Click(entry));
+}
+
+TEST_F(FormTest, AnEntryInAHiddenMenuOfAMenuCannotBeClicked) {
+  form.AddMenu("", "mCalibrate", "Calibrate");
+  auto& inner = form.AddMenu("mCalibrate", "mGas", "Gas");
+  auto& entry = form.AddMenu("mGas", "mZero", "Zero");
+  inner.SetVisible(false);
+  EXPECT_FALSE(form.Click(entry));
+}
+
 TEST_F(FormTest, AButtonTakesTheFocusFromTheFieldBeforeItIsClicked) {
   auto& text = form.Add(ControlKind::text, "txbA");
   auto& button = form.Add(ControlKind::button, "btn");

@@ -5,8 +5,8 @@
 #include <QTableWidget>
 
 #include "calibration/frmCalCurve.h"
-#include "plots/CurvePlot.h"
 #include "desktop/windows/DialogWindow.h"
+#include "plots/CurvePlot.h"
 
 namespace brelant {
 

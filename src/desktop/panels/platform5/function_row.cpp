@@ -16,7 +16,7 @@ namespace brelant::platform5 {
 namespace {
 
 /// In the order of FunctionBlocks::Type.
-constexpr std::array<const char*, FunctionBlocks::kTypes> kPictures{
+constexpr std::array<const char*, FunctionBlocks::kUsualTypes> kPictures{
     "pctFDigPsignPslope", "pctFDigPsignNslope", "pctFDigNsignPslope", "pctFDigNsignNslope", "pctFNsignNslope",
     "pctFNsignPslope",    "pctFPsignNslope",    "pctFPsignPslope",    "pctFPslope",         "pctFNslope"};
 
