@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // make-data DIRECTORY PART...: writes the definition file and a simulated sensor of each platform 5 part
-// number, and the simulated sensors "Last" and "Platform 5 chart" (both of the first part) and "Vega 3". The
-// formats: docs/memory-maps.md.
+// number, and the simulated sensors "Last" and "Platform 5 chart" (both of the first part), "Vega 3" and one
+// for each face of platform 6. The formats: docs/memory-maps.md.
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -72,18 +73,14 @@ Bytes DefinitionFile(int part) {
   return file;
 }
 
-// The one block of a platform 5 sensor: RAM 0 to 111 and 128 to 255.
-Bytes SimulationFile(std::span<const std::uint8_t> ram) {
+// A container of one block.
+Bytes SimulationFile(int type, std::span<const std::uint8_t> payload) {
   constexpr std::size_t kHeader = 17;
   constexpr std::size_t kBlockHeader = 4;
-  constexpr std::size_t kLower = 112;
-  constexpr std::size_t kUpper = 128;
-  Bytes file(kHeader + kBlockHeader + kLower + kUpper);
-  const auto payload = file.begin() + kHeader + kBlockHeader;
-  std::ranges::copy(ram.first(kLower), payload);
-  std::ranges::copy(ram.last(kUpper), payload + kLower);
-  Put(file, kHeader, 2, 1);
-  Put(file, kHeader + 2, 2, kLower + kUpper);
+  Bytes file(kHeader + kBlockHeader + payload.size());
+  std::ranges::copy(payload, file.begin() + kHeader + kBlockHeader);
+  Put(file, kHeader, 2, type);
+  Put(file, kHeader + 2, 2, static_cast<std::int64_t>(payload.size()));
   Put(file, 0, 1, 1);
   Put(file, 1, 2, std::accumulate(file.begin() + kHeader, file.end(), 0));
   Put(file, 3, 2, static_cast<std::int64_t>(file.size() - kHeader));
@@ -91,16 +88,45 @@ Bytes SimulationFile(std::span<const std::uint8_t> ram) {
   return file;
 }
 
+// The one block of a platform 5 sensor: RAM 0 to 111 and 128 to 255.
+Bytes FileOfRam(std::span<const std::uint8_t> ram) {
+  constexpr int kType = 1;
+  constexpr std::size_t kLower = 112;
+  constexpr std::size_t kUpper = 128;
+  Bytes payload(kLower + kUpper);
+  std::ranges::copy(ram.first(kLower), payload.begin());
+  std::ranges::copy(ram.last(kUpper), payload.begin() + kLower);
+  return SimulationFile(kType, payload);
+}
+
 Bytes SimulatedSensor(int part, int variant = 0) {
   brelant::bench::VirtualSensor sensor({.part = part, .variant = variant});
-  return SimulationFile(sensor.Ram());
+  return FileOfRam(sensor.Ram());
+}
+
+// One for each face of platform 6.
+struct Face {
+  std::string_view name;
+  int part;
+  int variant;
+};
+constexpr std::array kFaces{Face{"generic", 88, 0},      Face{"VAV 222", 222, 1},
+                            Face{"VAV 223", 223, 1},     Face{"three outputs", 88, 2},
+                            Face{"jumper table", 88, 3}, Face{"sequential", 88, 4},
+                            Face{"compact", 221, 5}};
+
+void WriteFace(const std::filesystem::path& directory, const Face& face) {
+  constexpr int kType = 10;
+  brelant::bench::VirtualSensor sensor({.part = face.part, .variant = face.variant});
+  WriteWhole(directory / ("Platform 6 " + std::string(face.name) + ".sim"),
+             SimulationFile(kType, sensor.Eeprom()));
 }
 
 // The program knows this one by its name; the file only has to be there and to be whole.
 Bytes SafetySystem() {
   Bytes ram(256);
   ram[kPart] = 154;
-  return SimulationFile(ram);
+  return FileOfRam(ram);
 }
 
 std::string DefinitionName(int part) {
@@ -132,6 +158,7 @@ int main(int argc, char** argv) {
     WriteWhole(directory / "Last.sim", SimulatedSensor(first));
     WriteWhole(directory / "Platform 5 chart.sim", SimulatedSensor(first, kChartVariant));
     WriteWhole(directory / "Vega 3.sim", SafetySystem());
+    for (const Face& face : kFaces) WriteFace(directory, face);
     return 0;
   } catch (const std::exception& error) {
     std::cerr << error.what() << '\n';

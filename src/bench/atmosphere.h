@@ -22,6 +22,7 @@ inline constexpr Wave kHumidity{45.0, 6.0, 83, 4.0, 240};       // % relative
 inline constexpr Wave kOxygen{19.3, 1.2, 71, 0.4, 190};         // %
 inline constexpr Wave kRoomGas{1050, 420, 47, 180, 173};        // ppm CO2 where people breathe
 inline constexpr Wave kCellarGas{18300, 12400, 53, 5300, 187};  // ppm CO2 where gas may leak
+inline constexpr Wave kMonoxide{12, 6, 59, 4, 199};             // ppm CO where engines run
 
 /// The live values of a sensor are a function of this.
 struct Moment {

@@ -175,24 +175,46 @@ std::vector<int> RamOf(const std::string& file) {
   return ram;
 }
 
-void ExpectWhole(const std::string& name) {
+void ExpectWhole(const std::string& name, int type, int size) {
   const std::string file = Load(name);
-  ASSERT_EQ(file.size(), 17U + 4 + 240) << name;
+  ASSERT_EQ(file.size(), 17U + 4 + static_cast<std::size_t>(size)) << name;
   int sum = 0;
   for (std::size_t i = 17; i < file.size(); ++i) sum += ByteAt(file, i);
   EXPECT_EQ(ByteAt(file, 0), 1);
   EXPECT_EQ(HalfAt(file, 1), sum % 65536);
-  EXPECT_EQ(HalfAt(file, 3), 244);
+  EXPECT_EQ(HalfAt(file, 3), size + 4);
   EXPECT_EQ(HalfAt(file, 5), 1);
   EXPECT_EQ(file.substr(7, 10), std::string(10, '\0'));
-  EXPECT_EQ(HalfAt(file, 17), 1);
-  EXPECT_EQ(HalfAt(file, 19), 240);
+  EXPECT_EQ(HalfAt(file, 17), type);
+  EXPECT_EQ(HalfAt(file, 19), size);
 }
 
 TEST(SimulationFile, EachIsAWholeContainer) {
   for (const char* name : {"Last.sim", "Vega 3.sim", "Platform 5 chart.sim", "Platform 5 part 104.sim",
                            "Platform 5 part 112.sim", "Platform 5 part 120.sim", "Platform 5 part 231.sim"}) {
-    ExpectWhole(name);
+    ExpectWhole(name, 1, 240);
+  }
+}
+
+// The block is EEPROM 0 to 511, in order.
+TEST(SimulationFile, OfEachFaceOfPlatform6IsTheEepromOfItsSensor) {
+  struct Case {
+    const char* name;
+    int part;
+    int variant;
+  };
+  for (const auto& [name, part, variant] :
+       {Case{"generic", 88, 0}, Case{"VAV 222", 222, 1}, Case{"VAV 223", 223, 1},
+        Case{"three outputs", 88, 2}, Case{"jumper table", 88, 3}, Case{"sequential", 88, 4},
+        Case{"compact", 221, 5}}) {
+    const std::string path = "Platform 6 " + std::string(name) + ".sim";
+    ExpectWhole(path, 10, 512);
+    const std::string file = Load(path);
+    ASSERT_EQ(ByteAt(file, 21 + 164), part) << name;
+    VirtualSensor sensor({.part = part, .variant = variant});
+    for (std::size_t at = 0; at < 512; ++at) {
+      ASSERT_EQ(ByteAt(file, 21 + at), sensor.Eeprom()[at]) << name << ' ' << at;
+    }
   }
 }
 

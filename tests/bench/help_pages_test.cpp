@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The help pages that lie beside the programs.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace brelant::bench {
+namespace {
+
+const std::filesystem::path kDirectory = BRELANT_DATA_DIR;
+
+std::string Page(const std::string& name) {
+  std::ifstream file(kDirectory / name);
+  EXPECT_TRUE(file.is_open()) << name;
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> Found(const std::string& text, const std::string& pattern) {
+  const std::regex expression(pattern);
+  std::vector<std::string> found;
+  for (std::sregex_iterator it(text.begin(), text.end(), expression), end; it != end; ++it) {
+    found.push_back((*it)[1]);
+  }
+  return found;
+}
+
+std::vector<std::string> Pages() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(kDirectory)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with("help") && name.ends_with(".html")) names.push_back(name);
+  }
+  return names;
+}
+
+TEST(HelpPages, ThereIsOneForEachVariantThatHasAPanel) {
+  EXPECT_THAT(Pages(), testing::IsSupersetOf({"help5v0.html", "help5v1.html", "help5v2.html", "help5v3.html",
+                                              "help6v0.html", "help6v1.html", "help6v2.html", "help6v3.html",
+                                              "help6v4.html", "help6v5.html"}));
+}
+
+TEST(HelpPages, EachLinkLeadsSomewhere) {
+  for (const std::string& name : Pages()) {
+    for (const std::string& link : Found(Page(name), "href=\"([^\"]+)\"")) {
+      const auto hash = link.find('#');
+      const std::string page = hash == 0 ? name : link.substr(0, hash);
+      ASSERT_TRUE(std::filesystem::exists(kDirectory / page)) << name << ": " << link;
+      if (hash == std::string::npos) continue;
+      EXPECT_THAT(Found(Page(page), " id=\"([^\"]+)\""), testing::Contains(link.substr(hash + 1)))
+          << name << ": " << link;
+    }
+  }
+}
+
+TEST(HelpPages, EachHeadingIsListedOnItsPage) {
+  for (const std::string& name : Pages()) {
+    const std::string page = Page(name);
+    const auto headings = Found(page, "<h2 id=\"([^\"]+)\"");
+    EXPECT_EQ(std::set<std::string>(headings.begin(), headings.end()).size(), headings.size()) << name;
+    EXPECT_THAT(Found(page, "<li><a href=\"#([^\"]+)\""), testing::ElementsAreArray(headings)) << name;
+  }
+}
+
+TEST(HelpPages, NoneHasAnUnfilledPlace) {
+  for (const std::string& name : Pages())
+    EXPECT_THAT(Page(name), testing::Not(testing::HasSubstr("@"))) << name;
+}
+
+}  // namespace
+}  // namespace brelant::bench
