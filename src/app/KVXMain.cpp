@@ -8,6 +8,7 @@
 #include "app/connection.h"
 #include "panels/frm5.h"
 #include "panels/frm5Chart.h"
+#include "panels/frm6.h"
 #include "platform/machine_error.h"
 #include "shell/Common.h"
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr float kProbeSeconds = 2.0F;
 constexpr std::int32_t kWholeRam = 8;
+constexpr std::int32_t kWholeEeprom = 30;
 
 /// Which panel shows which sensors.
 struct PanelChoice {
@@ -29,6 +31,7 @@ struct PanelChoice {
 constexpr std::array kPanelChoices{
     PanelChoice{5, 0, 0, "frm5"},
     PanelChoice{5, 1, 3, "frm5Chart"},
+    PanelChoice{6, 0, 5, "frm6"},
 };
 
 const PanelChoice* ChoiceFor(int platform, float variant) {
@@ -86,6 +89,7 @@ void KVXMain::FillPanelList() {
   if (!panelList_.empty()) return;
   panelList_.push_back({"frm5", [this] { return std::make_unique<frm5>(context_); }});
   panelList_.push_back({"frm5Chart", [this] { return std::make_unique<frm5Chart>(context_); }});
+  panelList_.push_back({"frm6", [this] { return std::make_unique<frm6>(context_); }});
 }
 
 void KVXMain::AskForSettings() {
@@ -189,13 +193,18 @@ bool KVXMain::ReadImage(bool simulated) {
   switch (context_.info.GetPlatform()) {
     case 5:
       if (!context_.definitions.LoadDefinition()) return false;
-      if (simulated) return true;
-      context_.msg.ShowProgress("Reading sensor", false, nullptr);
-      return context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false);
+      return simulated || ReadWhole(kWholeRam, false);
+    case 6:
+      return simulated || ReadWhole(kWholeEeprom, true);
     default:
       context_.session.LastError = kUnknownSensor;
       return false;
   }
+}
+
+bool KVXMain::ReadWhole(std::int32_t selector, bool isEeprom) {
+  context_.msg.ShowProgress("Reading sensor", false, nullptr);
+  return context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false);
 }
 
 void KVXMain::ShowPanel(bool simulated) {

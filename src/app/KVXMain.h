@@ -52,6 +52,7 @@ class KVXMain {
   void PresetVega3();
   bool PreparePanel(bool simulated);
   bool ReadImage(bool simulated);
+  bool ReadWhole(std::int32_t selector, bool isEeprom);
   void ShowPanel(bool simulated);
   void SaveLastSettings();
   void ShowMessage(const std::string& text);

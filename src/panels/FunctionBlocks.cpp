@@ -72,6 +72,12 @@ void FunctionBlocks::FunkTypeUpdate(int index, bool step, bool sign, bool slope)
   }
 }
 
+void FunctionBlocks::Hide() {
+  for (const auto& pictures : pictures_) {
+    for (auto* picture : pictures) picture->SetVisible(false);
+  }
+}
+
 void FunctionBlocks::FunkTypeRead(int index, bool& sign, bool& slope) const {
   const auto type = VisibleType(index);
   if (!type) return;

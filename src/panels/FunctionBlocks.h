@@ -48,6 +48,8 @@ class FunctionBlocks {
 
   /// Shows one picture of the function: by sign and slope, or with `step` the next one of its class.
   void FunkTypeUpdate(int index, bool step, bool sign, bool slope);
+  /// Shows no picture of any function.
+  void Hide();
   /// Sign and slope of the visible picture; types without a sign leave `sign` as it is.
   void FunkTypeRead(int index, bool& sign, bool& slope) const;
   std::optional<int> VisibleType(int index) const;

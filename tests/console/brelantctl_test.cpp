@@ -120,11 +120,11 @@ TEST_F(SensorTest, IdentifyTellsWhatIsAttached) {
 }
 
 TEST_F(SensorTest, IdentifyNeedsNoPanel) {
-  StartSensor({"--part", "88"});
+  StartSensor({"--part", "33"});
   const auto outcome = Run(OnPort({"identify"}));
   EXPECT_EQ(outcome.status, 0) << outcome.error;
-  EXPECT_THAT(outcome.out, AllOf(HasSubstr("part        88\n"), HasSubstr("platform    6\n"),
-                                 HasSubstr("generation  1\n")));
+  EXPECT_THAT(outcome.out, AllOf(HasSubstr("part        33\n"), HasSubstr("platform    7\n"),
+                                 HasSubstr("generation  2\n")));
   const auto shown = Run(OnPort({"show"}));
   EXPECT_EQ(shown.status, 1);
   EXPECT_EQ(shown.error, "Unknown sensor type, can't connect to sensor.\n");
