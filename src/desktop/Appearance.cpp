@@ -122,7 +122,7 @@ Ink InkOf(const QPalette& palette) {
             "#4d5863",
             QColor(109, 179, 242, 70),
             "#4ade80",
-            {"#58aaf0", "#f0a047"}};
+            {"#58aaf0", "#f0a047", "#3fc79a", "#e58acb"}};
   }
   return {"#5b6875",
           "#ccd4dc",
@@ -130,7 +130,7 @@ Ink InkOf(const QPalette& palette) {
           "#b7c1cb",
           QColor(31, 102, 173, 50),
           "#15803d",
-          {"#1f66ad", "#b45309"}};
+          {"#1f66ad", "#b45309", "#0b7a5e", "#a03386"}};
 }
 
 }  // namespace brelant

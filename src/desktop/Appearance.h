@@ -23,8 +23,8 @@ struct Ink {
   QColor area;
   /// What runs and will end by itself.
   QColor running;
-  /// Out 1, Out 2: blue and orange, which most colour-blind people tell apart.
-  std::array<QColor, 2> output;
+  /// Out 1 to Out 4: blue, orange, green and purple, in shades that most colour-blind people tell apart.
+  std::array<QColor, 4> output;
 };
 
 Ink InkOf(const QPalette& palette);

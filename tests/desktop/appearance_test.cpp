@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -53,7 +54,9 @@ TEST_P(AppearanceTest, WhatIsDrawnStandsOutFromItsGround) {
   const auto palette = QApplication::palette();
   const auto ink = InkOf(palette);
   const auto window = palette.color(QPalette::Window);
-  for (const auto& colour : {ink.wire, ink.output[0], ink.output[1]}) {
+  std::vector<QColor> colours(ink.output.begin(), ink.output.end());
+  colours.push_back(ink.wire);
+  for (const auto& colour : colours) {
     EXPECT_GE(Contrast(colour, window), kLargeText);
     EXPECT_GE(Contrast(colour, ink.card), kLargeText);
   }

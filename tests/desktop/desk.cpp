@@ -22,10 +22,14 @@ Desk::Desk(int part, int variant)
     : port(clock, pump, bench::SensorSetup{.part = part, .variant = variant}),
       program(TheMachine(), kAppDir),
       desktop(program, pump, ui),
-      panel_(variant == 0 ? "frm5" : "frm5Chart") {
-  const auto name = std::to_string(part);
-  PutFile("DEF00" + name + ".PDT");
-  PutFile("Platform 5 " + (variant == 0 ? "part " + name : "chart") + ".sim");
+      panel_(port.sensor.Platform() == 6 ? "frm6"
+             : variant == 0              ? "frm5"
+                                         : "frm5Chart") {
+  if (port.sensor.Platform() == 5) {
+    const auto name = std::to_string(part);
+    PutFile("DEF00" + name + ".PDT");
+    PutFile("Platform 5 " + (variant == 0 ? "part " + name : "chart") + ".sim");
+  }
   pump.limit = std::chrono::hours(1);
   pump.OnPass([this] { return desktop.Pass(); });
   pump.OnPass([this] { return Pass(); });

@@ -26,8 +26,8 @@ class Desk {
   using Step = std::function<void()>;
   using Condition = std::function<bool()>;
 
-  /// The files of that part number lie where the program looks for them. A variant above 0 has the panel of
-  /// five alarm levels.
+  /// The files of a platform 5 part number lie where the program looks for them. There a variant above 0 has
+  /// the panel of five alarm levels.
   explicit Desk(int part = 120, int variant = 0);
 
   /// Takes the step in the first pass of the pump in which the condition holds.

@@ -11,55 +11,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desk.h"
 #include "desktop/Appearance.h"
+#include "panel_fixture.h"
 
 namespace brelant::test {
 namespace {
 
 using testing::ElementsAreArray;
 
-class Panel5Test : public testing::Test {
+class Panel5Test : public PanelTest {
  protected:
-  void Start(int part = 120) {
-    desk = std::make_unique<Desk>(part);
-    desk->StartSession();
-  }
-  void OnPanel(Desk::Step step) { desk->OnPanel(std::move(step)); }
-  void AfterPoll(Desk::Step step) {
-    desk->When([this] { return desk->program.session.polls > 0; }, [] {});
-    OnPanel(std::move(step));
-  }
-  QWidget& Widget(const QString& name) const { return desk->Panel(name); }
-  QString Text(const QString& name) const { return desk->Panel<QLineEdit>(name).text(); }
-  QString Caption(const QString& name) const { return desk->Panel<QAbstractButton>(name).text(); }
+  void Start(int part = 120) { PanelTest::Start(part, 0); }
   int Ram(std::size_t address) const { return static_cast<int>(desk->program.image.RamImage.at(address)); }
   /// What the sensor itself holds.
   int Sensor(std::size_t address) const { return desk->port.sensor.Ram()[address]; }
-  QColor Back(const QString& name) const { return Widget(name).palette().color(QPalette::Base); }
-  QColor Fore(const QString& name) const { return Widget(name).palette().color(QPalette::Text); }
-
-  /// Clicks a label and chooses an entry of the menu that it pops up.
-  void Choose(const QString& label, const QString& caption) {
-    OnPanel([this, label] { Press(Widget(label)); });
-    desk->When([] { return FindWindow("PopupMenu") != nullptr; },
-               [caption] {
-                 auto& menu = *static_cast<QMenu*>(FindWindow("PopupMenu"));
-                 for (auto* action : menu.actions()) {
-                   if (action->text() != caption) continue;
-                   QTest::mouseClick(&menu, Qt::LeftButton, Qt::NoModifier,
-                                     menu.actionGeometry(action).center());
-                 }
-               });
-  }
-  void Edit(const QString& field, const QString& text) {
-    OnPanel([this, field, text] {
-      Type(Widget(field), text);
-      PressKey(Widget(field), Qt::Key_Return);
-    });
-  }
-
-  std::unique_ptr<Desk> desk;
 };
 
 TEST_F(Panel5Test, ShowsWhatTheSensorIs) {
@@ -267,15 +232,7 @@ TEST_F(Panel5Test, ADigitalOutputHasNoBaseLineAndItsFunctionsSwitch) {
 
 TEST_F(Panel5Test, TicksLeadSignalsToOutputsAndTheWiresShowIt) {
   Start();
-  const auto blueInTheBoard = [] {
-    const auto colour = InkOf(QApplication::palette()).output[1];
-    const auto image = FindWindow("frm5")->grab().toImage();
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-      for (int x = 0; x < image.width(); ++x) count += image.pixelColor(x, y) == colour ? 1 : 0;
-    }
-    return count;
-  };
+  const auto blueInTheBoard = [] { return PixelsOf("frm5", InkOf(QApplication::palette()).output[1]); };
   int before = 0;
   OnPanel([&] {
     before = blueInTheBoard();
@@ -394,29 +351,13 @@ TEST_F(Panel5Test, TheTabKeyFollowsTheEye) {
 
 TEST_F(Panel5Test, EverythingThatCanBeActedOnHasASpokenName) {
   Start();
-  OnPanel([] {
-    int seen = 0;
-    for (const auto* widget : FindWindow("frm5")->findChildren<QWidget*>()) {
-      if (!widget->isVisible() || widget->objectName().startsWith("qt_")) continue;
-      const auto* button = qobject_cast<const QAbstractButton*>(widget);
-      if (button == nullptr && qobject_cast<const QLineEdit*>(widget) == nullptr) continue;
-      const auto name = widget->accessibleName() + (button == nullptr ? QString() : button->text());
-      EXPECT_FALSE(name.isEmpty()) << widget->objectName().toStdString();
-      ++seen;
-    }
-    EXPECT_GT(seen, 50);
-  });
+  OnPanel([] { EXPECT_GT(CountSpokenNames("frm5"), 50); });
   desk->Run();
 }
 
 TEST_F(Panel5Test, FitsASmallLaptop) {
   Start(231);
-  OnPanel([] {
-    const auto size = FindWindow("frm5")->size();
-    EXPECT_LE(size.width(), 1366);
-    // Less than 768, for the frame of the window and the bar of the desktop.
-    EXPECT_LE(size.height(), 690);
-  });
+  OnPanel([] { ExpectFitsASmallLaptop("frm5"); });
   desk->Run();
 }
 

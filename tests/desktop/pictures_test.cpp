@@ -36,8 +36,12 @@ constexpr int kLeft = kWidth / 10;
 constexpr int kRight = kWidth * 9 / 10;
 constexpr int kMiddle = kHeight / 2;
 
+bool IsAreaAt(const QImage& image, int x, int y) {
+  return image.pixelColor(x, y) == QColor(Qt::blue);
+}
+
 bool IsArea(const QImage& image, int x) {
-  return image.pixelColor(x, kMiddle) == QColor(Qt::blue);
+  return IsAreaAt(image, x, kMiddle);
 }
 
 struct Expected {
@@ -65,9 +69,37 @@ INSTANTIATE_TEST_SUITE_P(Shapes, RampTest,
                          testing::Values(Expected{FunctionBlocks::psignPslope, true, false, true},
                                          Expected{FunctionBlocks::psignNslope, false, true, false},
                                          Expected{FunctionBlocks::nsignPslope, true, true, false},
-                                         Expected{FunctionBlocks::nsignNslope, false, false, true},
-                                         Expected{FunctionBlocks::pslope, true, false, true},
-                                         Expected{FunctionBlocks::nslope, false, true, false}));
+                                         Expected{FunctionBlocks::nsignNslope, false, false, true}));
+
+constexpr int kUpper = kHeight / 4;
+constexpr int kLower = kHeight * 3 / 4;
+
+// From -100 to 100: the axis is half way up, and the area below it on one side, above it on the other.
+TEST(TwoSidedTest, IsFilledToAnAxisInTheMiddle) {
+  for (const auto type : {FunctionBlocks::pslope, FunctionBlocks::nslope}) {
+    const auto image = Drawn(type);
+    const bool rises = type == FunctionBlocks::pslope;
+    EXPECT_EQ(image.pixelColor(kLeft, kMiddle), QColor(Qt::red)) << "the axis";
+    EXPECT_EQ(image.pixelColor(kRight, kMiddle), QColor(Qt::red)) << "the axis";
+    EXPECT_EQ(IsAreaAt(image, kLeft, kUpper), !rises) << type;
+    EXPECT_EQ(IsAreaAt(image, kLeft, kLower), rises) << type;
+    EXPECT_EQ(IsAreaAt(image, kRight, kUpper), rises) << type;
+    EXPECT_EQ(IsAreaAt(image, kRight, kLower), !rises) << type;
+    EXPECT_EQ(CurveAt(image, kRight, true), rises) << type;
+    EXPECT_EQ(CurveAt(image, kLeft, true), !rises) << type;
+  }
+}
+
+TEST(TwoSidedTest, ADigitalOneIsALoopAroundTheAxis) {
+  for (const auto type : {FunctionBlocks::digPslope, FunctionBlocks::digNslope}) {
+    const auto image = Drawn(type);
+    EXPECT_TRUE(IsAreaAt(image, kWidth / 2, kUpper)) << type;
+    EXPECT_TRUE(IsAreaAt(image, kWidth / 2, kLower)) << type;
+    EXPECT_EQ(image.pixelColor(kWidth / 2, kMiddle), QColor(Qt::red)) << "the axis";
+    EXPECT_FALSE(IsAreaAt(image, kLeft, kLower)) << type;
+    EXPECT_EQ(CurveAt(image, kRight, true), type == FunctionBlocks::digPslope) << type;
+  }
+}
 
 TEST(LoopTest, IsFilledBetweenItsTwoWaysOnly) {
   for (const auto type : {FunctionBlocks::digPsignPslope, FunctionBlocks::digPsignNslope,
@@ -81,8 +113,8 @@ TEST(LoopTest, IsFilledBetweenItsTwoWaysOnly) {
   }
 }
 
-TEST(LoopTest, AllSignedShapesLookDifferent) {
-  for (int a = 0; a < FunctionBlocks::pslope; ++a) {
+TEST(LoopTest, AllShapesLookDifferent) {
+  for (int a = 0; a < FunctionBlocks::kTypes; ++a) {
     for (int b = 0; b < a; ++b) {
       EXPECT_NE(Drawn(static_cast<FunctionBlocks::Type>(a)), Drawn(static_cast<FunctionBlocks::Type>(b)))
           << a << " and " << b;

@@ -9,7 +9,9 @@ bin=$(realpath "${1:-$here/build/release/bin}")
 pictures=$(realpath "${2:-$here/docs/pictures}")
 work=$(mktemp -d)
 scenes=("${@:3}")
-[ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve)
+[ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve generic vav jumper sequential compact)
+# Faces that differ from another one by their fields only: in light style at 100 % is enough.
+plain_scenes=" vav jumper sequential compact "
 part=231
 seconds_to_wait=20
 started=()
@@ -189,6 +191,24 @@ photograph_curve() {
   stop
 }
 
+# photograph_face NAME PART VARIANT: a face of platform 6.
+photograph_face() {
+  local part=$2
+  settings "$work/sensor" 1
+  sensor --variant "$3"
+  program
+  until_seen window BRELANT 400 >/dev/null
+  sleep 2.5
+  shoot "$1" BRELANT 400
+  stop
+}
+
+photograph_generic() { photograph_face generic 88 0; }
+photograph_vav() { photograph_face vav 222 1; }
+photograph_jumper() { photograph_face jumper 88 3; }
+photograph_sequential() { photograph_face sequential 88 4; }
+photograph_compact() { photograph_face compact 221 5; }
+
 mkdir -p "$pictures" "$work/app"
 cp "$bin"/*.PDT "$bin"/*.sim "$work/app"
 export XDG_RUNTIME_DIR=$work
@@ -205,7 +225,7 @@ for style in light dark; do
   for scale in 1 2; do
     suffix=$([ $scale = 1 ] || echo -200)
     for scene in "${scenes[@]}"; do
-      "photograph_$scene"
+      [[ $plain_scenes == *" $scene "* && $style$scale != light1 ]] || "photograph_$scene"
     done
   done
 done

@@ -20,6 +20,12 @@ Gauge::Gauge(Views& views, const Control& control, std::size_t output, QWidget* 
   });
 }
 
+void Gauge::SetOutput(std::size_t output) {
+  if (output == output_) return;
+  output_ = output;
+  update();
+}
+
 void Gauge::paintEvent(QPaintEvent* /*event*/) {
   const auto ink = InkOf(palette());
   QPainter painter(this);

@@ -11,8 +11,10 @@ namespace brelant {
 /// The percent of a text control as the length of a bar.
 class Gauge : public QWidget {
  public:
-  /// `output`: index of the output whose colour it has.
+  /// `output`: place of the output whose colour it has.
   Gauge(Views& views, const Control& control, std::size_t output, QWidget* parent);
+
+  void SetOutput(std::size_t output);
 
  protected:
   void paintEvent(QPaintEvent* event) override;

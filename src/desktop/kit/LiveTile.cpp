@@ -62,6 +62,11 @@ void LiveTile::AddValue(Views& views, QBoxLayout& layout, const QString& fixedUn
 
 QWidget& LiveTile::MakeUnit(Views& views, const QString& fixedUnit) {
   if (controls_.unit == nullptr) return Make<QLabel>(*this, fixedUnit);
+  if (!controls_.unit->onClick) {
+    auto& label = Make<QLabel>(*this);
+    Bind(views, *controls_.unit, label);
+    return label;
+  }
   const auto spoken = [this] { return "Unit of " + TextOf(controls_.name); };
   return Make<PopupLabel>(*this, views, *controls_.unit, spoken, false);
 }

@@ -17,7 +17,7 @@ class LiveTile : public QFrame {
     Control& value;
     /// Tells whether there is such a channel.
     Control& presence;
-    /// The unit, which may stand for a choice; nullptr: `fixedUnit` is shown.
+    /// The unit, which stands for a choice if it can be clicked; nullptr: `fixedUnit` is shown.
     Control* unit;
   };
   /// Of the number, as a multiple of the usual size.

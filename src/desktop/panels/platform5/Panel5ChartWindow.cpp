@@ -9,8 +9,8 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
+#include "desktop/panels/header.h"
 #include "desktop/panels/platform5/AlarmTable.h"
-#include "desktop/panels/platform5/header.h"
 #include "panels/frm5Chart.h"
 
 namespace brelant {
@@ -23,7 +23,7 @@ constexpr double kStateSize = 1.3;
 }  // namespace
 
 Panel5ChartWindow::Panel5ChartWindow(Panel& panel, Acts& acts) : PanelWindow(panel, acts) {
-  auto& layout = platform5::LayOutPanel(views_, panel, *centralWidget());
+  auto& layout = LayOutPanel(views_, panel, {{&views_("lblDisplayMode"), "Display mode"}}, *centralWidget());
   AddTiles(AddRow(layout, 10));
   layout.addWidget(&Make<platform5::AlarmTable>(*centralWidget(), views_), 1);
   AddOptions(layout);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "desktop/panels/platform5/header.h"
+#include "desktop/panels/header.h"
 
 #include <QCheckBox>
 #include <QPushButton>
@@ -11,7 +11,7 @@
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
 
-namespace brelant::platform5 {
+namespace brelant {
 
 namespace {
 
@@ -32,16 +32,18 @@ void AddFact(Views& views, const QString& caption, Control& control, int digits,
   layout.addWidget(&fact);
 }
 
-void AddIdentity(Views& views, QBoxLayout& layout) {
+void AddIdentity(Views& views, const Displays& displays, QBoxLayout& layout) {
   auto& ground = *layout.parentWidget();
   AddFact(views, "Serial number", views("txbSN"), 10, layout);
-  // Only one of the two panels shows it.
+  // Not all panels show it.
   if (auto* version = views.Model().Find("txbVersion")) AddFact(views, "Version", *version, 3, layout);
   AddCaption("ID", ground, layout);
   layout.addWidget(&MakeNumber(views, views("txbID"), Digits(ground, 5), Always("Bus ID"), ground));
   layout.addSpacing(kSpacing);
   AddCaption("Display", ground, layout);
-  layout.addWidget(&Make<PopupLabel>(ground, views, views("lblDisplayMode"), Always("Display mode"), true));
+  for (const auto& [display, name] : displays) {
+    layout.addWidget(&Make<PopupLabel>(ground, views, *display, Always(name), true));
+  }
 }
 
 void AddCommands(Views& views, Panel& panel, QBoxLayout& layout) {
@@ -61,14 +63,14 @@ void AddCommands(Views& views, Panel& panel, QBoxLayout& layout) {
 
 }  // namespace
 
-QBoxLayout& LayOutPanel(Views& views, Panel& panel, QWidget& ground) {
+QBoxLayout& LayOutPanel(Views& views, Panel& panel, const Displays& displays, QWidget& ground) {
   auto& layout = LayOut<QVBoxLayout>(ground, kSpacing);
   layout.setContentsMargins(14, 10, 14, 12);
   auto& row = AddRow(layout, kSpacing);
-  AddIdentity(views, row);
+  AddIdentity(views, displays, row);
   row.addStretch();
   AddCommands(views, panel, row);
   return layout;
 }
 
-}  // namespace brelant::platform5
+}  // namespace brelant

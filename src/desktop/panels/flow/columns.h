@@ -4,11 +4,11 @@
 #include <QSize>
 #include <QWidget>
 
-namespace brelant::platform5 {
+namespace brelant::flow {
 
 /// The widths that all signals and their headings share, so that columns stand under each other.
 struct Columns {
-  explicit Columns(const QWidget& widget);
+  Columns(const QWidget& widget, bool dense);
 
   int badge;
   int channel;
@@ -19,4 +19,4 @@ struct Columns {
   int gap;
 };
 
-}  // namespace brelant::platform5
+}  // namespace brelant::flow

@@ -7,27 +7,25 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
-#include "desktop/panels/platform5/SignalRow.h"
-#include "desktop/panels/platform5/columns.h"
+#include "desktop/panels/flow/SignalRow.h"
+#include "desktop/panels/flow/columns.h"
 #include "panels/FunctionBlocks.h"
 
-namespace brelant::platform5 {
+namespace brelant::flow {
 
 namespace {
 
-/// In the order of FunctionBlocks::Type.
-constexpr std::array<const char*, FunctionBlocks::kUsualTypes> kPictures{
-    "pctFDigPsignPslope", "pctFDigPsignNslope", "pctFDigNsignPslope", "pctFDigNsignNslope", "pctFNsignNslope",
-    "pctFNsignPslope",    "pctFPsignNslope",    "pctFPsignPslope",    "pctFPslope",         "pctFNslope"};
-
+/// Those that the panel has.
 std::vector<Control*> PicturesOf(Views& views, int index) {
   std::vector<Control*> pictures;
-  pictures.reserve(kPictures.size());
-  for (const char* name : kPictures) pictures.push_back(&views(name, index));
+  for (const char* name : FunctionBlocks::kPictures) {
+    auto* picture = views.Model().Find(name + ("(" + std::to_string(index) + ")"));
+    if (picture != nullptr) pictures.push_back(picture);
+  }
   return pictures;
 }
 
-void AddPicture(Views& views, int index, Card& card, QHBoxLayout& layout) {
+void AddPicture(Views& views, int index, const Columns& columns, Card& card, QHBoxLayout& layout) {
   const PictureButton::Face face{
       [&card](QPainter& painter, const QRectF& rect, int type) {
         const auto ink = InkOf(card.palette());
@@ -39,13 +37,13 @@ void AddPicture(Views& views, int index, Card& card, QHBoxLayout& layout) {
                ShapeInWords(static_cast<FunctionBlocks::Type>(type));
       }};
   auto& picture = Make<PictureButton>(card, views, PicturesOf(views, index), face);
-  picture.setFixedSize(Columns(card).picture);
+  picture.setFixedSize(columns.picture);
   layout.addWidget(&picture);
 }
 
-void AddLimit(Views& views, int index, const std::string& letter, Card& card, QHBoxLayout& layout) {
+void AddLimit(Views& views, int index, const std::string& letter, const Columns& columns, Card& card,
+              QHBoxLayout& layout) {
   auto& unit = views("lblF" + letter + "Unit", index);
-  const Columns columns(card);
   layout.addWidget(&MakeNumber(
       views, views("txbF" + letter, index), columns.number,
       [index, letter, &unit] {
@@ -57,8 +55,7 @@ void AddLimit(Views& views, int index, const std::string& letter, Card& card, QH
   AddLabel(views, unit, 0, card, layout).setFixedWidth(columns.unit);
 }
 
-void FillFunction(Views& views, int index, Card& card, QHBoxLayout& layout) {
-  const Columns columns(card);
+void FillFunction(Views& views, int index, const Columns& columns, Card& card, QHBoxLayout& layout) {
   auto& badge = AddCaption(QString::number(index + 1), card, layout);
   ScaleFont(badge, 1.3, QFont::DemiBold);
   badge.setFixedWidth(columns.badge);
@@ -68,38 +65,46 @@ void FillFunction(Views& views, int index, Card& card, QHBoxLayout& layout) {
       [index] { return QString("Function %1, channel").arg(index + 1); }, true);
   channel.setFixedWidth(columns.channel);
   layout.addWidget(&channel);
-  AddLimit(views, index, "a", card, layout);
-  AddLimit(views, index, "b", card, layout);
-  AddPicture(views, index, card, layout);
+  AddLimit(views, index, "a", columns, card, layout);
+  AddLimit(views, index, "b", columns, card, layout);
+  AddPicture(views, index, columns, card, layout);
 }
 
 }  // namespace
 
-SignalRow& AddFunction(Views& views, int index, QWidget& parent) {
-  return Make<SignalRow>(
-      parent, views, QString("Function %1").arg(index + 1),
-      SignalRow::Feeds{&views("cbxFout1", index), &views("cbxFout2", index)},
-      [&views, index](Card& card, QHBoxLayout& layout) { FillFunction(views, index, card, layout); });
+SignalRow& AddFunction(Views& views, int index, int outputs, bool dense, QWidget& parent) {
+  return Make<SignalRow>(parent, views, QString("Function %1").arg(index + 1),
+                         TicksOf(views, "cbxFout", outputs, "(" + std::to_string(index) + ")"), dense,
+                         [&views, index, dense](Card& card, QHBoxLayout& layout) {
+                           FillFunction(views, index, Columns(card, dense), card, layout);
+                         });
 }
 
-QWidget& AddHeadings(QWidget& parent) {
+QWidget& AddHeadings(Views& views, int outputs, bool dense, const std::function<QString(std::size_t)>& nameOf,
+                     QWidget& parent) {
   auto& headings = Make<QWidget>(parent);
   auto& layout = LayOut<QHBoxLayout>(headings, 0);
-  const Columns columns(headings);
-  const auto add = [&](const QString& text, int width, Qt::Alignment alignment) {
+  const Columns columns(headings, dense);
+  const auto add = [&](const QString& text, int width, Qt::Alignment alignment) -> QLabel& {
     auto& label = AddCaption(text, headings, layout);
     ScaleFont(label, 1, QFont::DemiBold);
     label.setFixedWidth(width);
     label.setAlignment(alignment);
+    return label;
   };
   const int limit = columns.number + columns.unit + 2 * columns.gap;
   add("Functions", columns.badge + columns.channel + 3 * columns.gap, Qt::AlignLeft);
   add("a", limit, Qt::AlignLeft);
   add("b", limit, Qt::AlignLeft);
   add("Shape", columns.picture.width() + columns.gap, Qt::AlignLeft);
-  add("Out 1", columns.tick, Qt::AlignCenter);
-  add("Out 2", columns.tick, Qt::AlignCenter);
+  for (std::size_t place = 0; place < static_cast<std::size_t>(outputs); ++place) {
+    auto& name = add({}, columns.tick, Qt::AlignCenter);
+    views.OnRefresh([&name, nameOf, place] {
+      name.setText(nameOf(place));
+      SetShown(name, !name.text().isEmpty());
+    });
+  }
   return headings;
 }
 
-}  // namespace brelant::platform5
+}  // namespace brelant::flow
