@@ -2,6 +2,7 @@
 #include "panels/FunctionRows.h"
 
 #include "panels/flagged_word.h"
+#include "panels/output_model.h"
 
 namespace brelant {
 
@@ -52,6 +53,17 @@ void FunctionRows::Read(int function, std::span<float> record, float channel, Sn
   functions.FunkTypeRead(function, sign, slope);
   StoreWord(record.subspan(kA), info.TextToRaw(txbFa[function].Text(), channel, false), sign);
   StoreWord(record.subspan(kB), info.TextToRaw(txbFb[function].Text(), channel, false), slope);
+}
+
+double FunctionRows::Sum(int output, double sum, const Input& input) const {
+  for (int i = 0; i < lblFchannel.Count(); ++i) {
+    const auto type = functions.VisibleType(i);
+    const auto x = input(lblFchannel[i].Text());
+    if (!FeedsOutput(i, output) || !x || !type) continue;
+    sum += FunctionContribution(*type, *x, ParseNumber(txbFa[i].Text()), ParseNumber(txbFb[i].Text()));
+    sum = LimitSum(sum);
+  }
+  return sum;
 }
 
 bool FunctionRows::FeedsDigital(int function, const ControlArray& digitalOutputs) const {

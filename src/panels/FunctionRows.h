@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -43,7 +44,11 @@ class FunctionRows {
   const ControlArray& FeedsOf(int output) const { return cbxFout.at(static_cast<std::size_t>(output)); }
   bool FeedsOutput(int function, int output) const { return FeedsOf(output)[function].Value() == 1; }
   bool FeedsDigital(int function, const ControlArray& digitalOutputs) const;
-  int Functions() const { return lblFchannel.Count(); }
+
+  /// Present value of the channel of that name; nothing if the panel shows none.
+  using Input = std::function<std::optional<double>(const std::string&)>;
+  /// `sum` with what the functions add to an output, limited after each of them. Throws NoResult.
+  double Sum(int output, double sum, const Input& input) const;
 
   ControlArray lblFchannel;
   ControlArray txbFa;

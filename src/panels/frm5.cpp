@@ -362,7 +362,7 @@ void frm5::Simulate() {
 
 double frm5::OutputSum(int output) const {
   double sum = optOut5Digital[output].Value() == 1 ? 0 : ParseNumber(txbOutBaseLine[output].Text());
-  sum = FunctionSum(output, sum);
+  sum = rows.Sum(output, sum, [this](const std::string& channel) { return FunctionInput(channel); });
   if (trigger.cbxDigTout[output].Value() == 1) {
     const double level = ParseNumber(trigger.txbDigTlevel.Text());
     if (trigger.Active()) sum += level;
@@ -370,18 +370,6 @@ double frm5::OutputSum(int output) const {
     if (trigger.linDigTNsign.Visible()) sum += level;
   }
   return LimitSum(sum);
-}
-
-double frm5::FunctionSum(int output, double sum) const {
-  for (int i = 0; i < kFunctions; ++i) {
-    const auto type = rows.functions.VisibleType(i);
-    const auto x = FunctionInput(rows.lblFchannel[i].Text());
-    if (!rows.FeedsOutput(i, output) || !x || !type) continue;
-    sum +=
-        FunctionContribution(*type, *x, ParseNumber(rows.txbFa[i].Text()), ParseNumber(rows.txbFb[i].Text()));
-    sum = LimitSum(sum);
-  }
-  return sum;
 }
 
 std::optional<double> frm5::FunctionInput(const std::string& channel) const {

@@ -84,7 +84,6 @@ class frm5 : public Panel5 {
   void ChooseShiftChannel();
 
   double OutputSum(int output) const;
-  double FunctionSum(int output, double sum) const;
   std::optional<double> FunctionInput(const std::string& channel) const;
 
   std::array<Labels, kOutputs> outputLabels_;

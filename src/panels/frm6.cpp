@@ -555,25 +555,14 @@ void frm6::Simulate() {
 }
 
 double frm6::OutputSum(int output) const {
-  double sum = FunctionSum(output, ParseNumber(outputs.txbOutBaseLine[output].Text()));
+  double sum = rows.Sum(output, ParseNumber(outputs.txbOutBaseLine[output].Text()),
+                        [this](const std::string& channel) { return FunctionInput(channel); });
   if (trigger.Feeds(output) && trigger.Active()) sum += ParseNumber(trigger.txbDigTlevel.Text());
   sum = LimitSum(sum);
   if (outputs.cbxDigout[output].Value() == 1 && cbxDigActive.Value() == 1) {
     sum = LimitSum(sum + ParseNumber(txbDigLevel.Text()));
   }
   return outputs.cbxOut6Invert[output].Value() == 1 ? std::abs(sum) : sum;
-}
-
-double frm6::FunctionSum(int output, double sum) const {
-  for (int i = 0; i < kFunctions; ++i) {
-    const auto type = rows.functions.VisibleType(i);
-    const auto x = FunctionInput(rows.lblFchannel[i].Text());
-    if (!rows.FeedsOutput(i, output) || !x || !type) continue;
-    sum +=
-        FunctionContribution(*type, *x, ParseNumber(rows.txbFa[i].Text()), ParseNumber(rows.txbFb[i].Text()));
-    sum = LimitSum(sum);
-  }
-  return sum;
 }
 
 std::optional<double> frm6::FunctionInput(const std::string& channel) const {

@@ -117,7 +117,6 @@ class frm6 : public PanelFrame {
   void ChooseFunctionChannel(int function);
 
   double OutputSum(int output) const;
-  double FunctionSum(int output, double sum) const;
   std::optional<double> FunctionInput(const std::string& channel) const;
 
   SignedLevel inputLevel_;
