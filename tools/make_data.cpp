@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // make-data DIRECTORY PART...: writes the definition file and a simulated sensor of each platform 5 part
 // number, and the simulated sensors "Last" and "Platform 5 chart" (both of the first part), "Vega 3" and one
-// for each face of platform 6. The formats: docs/memory-maps.md.
+// for each face of platforms 6, 61 and 7. The formats: docs/memory-maps.md.
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <initializer_list>
 #include <iostream>
 #include <numeric>
 #include <span>
@@ -73,18 +74,28 @@ Bytes DefinitionFile(int part) {
   return file;
 }
 
-// A container of one block.
-Bytes SimulationFile(int type, std::span<const std::uint8_t> payload) {
-  constexpr std::size_t kHeader = 17;
+struct Block {
+  int type;
+  std::span<const std::uint8_t> payload;
+};
+
+void AppendBlock(Bytes& file, const Block& block) {
   constexpr std::size_t kBlockHeader = 4;
-  Bytes file(kHeader + kBlockHeader + payload.size());
-  std::ranges::copy(payload, file.begin() + kHeader + kBlockHeader);
-  Put(file, kHeader, 2, type);
-  Put(file, kHeader + 2, 2, static_cast<std::int64_t>(payload.size()));
+  const std::size_t at = file.size();
+  file.resize(at + kBlockHeader);
+  Put(file, at, 2, block.type);
+  Put(file, at + 2, 2, static_cast<std::int64_t>(block.payload.size()));
+  file.insert(file.end(), block.payload.begin(), block.payload.end());
+}
+
+Bytes SimulationFile(std::initializer_list<Block> blocks) {
+  constexpr std::size_t kHeader = 17;
+  Bytes file(kHeader);
+  for (const Block& block : blocks) AppendBlock(file, block);
   Put(file, 0, 1, 1);
   Put(file, 1, 2, std::accumulate(file.begin() + kHeader, file.end(), 0));
   Put(file, 3, 2, static_cast<std::int64_t>(file.size() - kHeader));
-  Put(file, 5, 2, 1);
+  Put(file, 5, 2, static_cast<std::int64_t>(blocks.size()));
   return file;
 }
 
@@ -96,7 +107,7 @@ Bytes FileOfRam(std::span<const std::uint8_t> ram) {
   Bytes payload(kLower + kUpper);
   std::ranges::copy(ram.first(kLower), payload.begin());
   std::ranges::copy(ram.last(kUpper), payload.begin() + kLower);
-  return SimulationFile(kType, payload);
+  return SimulationFile({{kType, payload}});
 }
 
 Bytes SimulatedSensor(int part, int variant = 0) {
@@ -104,22 +115,35 @@ Bytes SimulatedSensor(int part, int variant = 0) {
   return FileOfRam(sensor.Ram());
 }
 
-// One for each face of platform 6.
+// The EEPROM of a sensor; what does not fit into the first block stands in a second one.
+Bytes FileOfEeprom(int part, std::span<const std::uint8_t> eeprom) {
+  constexpr int kLowerType = 10;
+  constexpr int kUpperType = 11;
+  constexpr std::size_t kLowerSize = 512;
+  constexpr std::size_t kPartInEeprom = 164;
+  Bytes lower(eeprom.begin(), eeprom.begin() + kLowerSize);
+  // Whoever loads the block takes the part number from here, wherever the sensor itself keeps it.
+  lower[kPartInEeprom] = static_cast<std::uint8_t>(part);
+  if (eeprom.size() == kLowerSize) return SimulationFile({{kLowerType, lower}});
+  return SimulationFile({{kLowerType, lower}, {kUpperType, eeprom.subspan(kLowerSize)}});
+}
+
+// One for each face.
 struct Face {
   std::string_view name;
   int part;
   int variant;
 };
-constexpr std::array kFaces{Face{"generic", 88, 0},      Face{"VAV 222", 222, 1},
-                            Face{"VAV 223", 223, 1},     Face{"three outputs", 88, 2},
-                            Face{"jumper table", 88, 3}, Face{"sequential", 88, 4},
-                            Face{"compact", 221, 5}};
+constexpr std::array kFaces{Face{"Platform 6 generic", 88, 0},      Face{"Platform 6 VAV 222", 222, 1},
+                            Face{"Platform 6 VAV 223", 223, 1},     Face{"Platform 6 three outputs", 88, 2},
+                            Face{"Platform 6 jumper table", 88, 3}, Face{"Platform 6 sequential", 88, 4},
+                            Face{"Platform 6 compact", 221, 5},     Face{"Platform 61 CO2 and O2", 215, 0},
+                            Face{"Platform 61 CO2", 215, 1},        Face{"Platform 7 variant 1", 50, 1},
+                            Face{"Platform 7 variant 2", 50, 2}};
 
 void WriteFace(const std::filesystem::path& directory, const Face& face) {
-  constexpr int kType = 10;
   brelant::bench::VirtualSensor sensor({.part = face.part, .variant = face.variant});
-  WriteWhole(directory / ("Platform 6 " + std::string(face.name) + ".sim"),
-             SimulationFile(kType, sensor.Eeprom()));
+  WriteWhole(directory / (std::string(face.name) + ".sim"), FileOfEeprom(face.part, sensor.Eeprom()));
 }
 
 // The program knows this one by its name; the file only has to be there and to be whole.

@@ -16,12 +16,13 @@ struct Wave {
   double MeanOver(double since, double until) const;
 };
 
-/// What lies around the sensors. Each wave crosses the usual alarm levels now and then.
+/// What lies around the sensors. Each wave crosses the usual alarm levels now and then; CO2 in a cellar and
+/// O2 cross theirs in each of their periods.
 inline constexpr Wave kTemperature{22.0, 2.2, 61, 0.8, 211};    // degrees Celsius
 inline constexpr Wave kHumidity{45.0, 6.0, 83, 4.0, 240};       // % relative
-inline constexpr Wave kOxygen{19.3, 1.2, 71, 0.4, 190};         // %
+inline constexpr Wave kOxygen{19.3, 1.5, 71, 0.1, 190};         // %
 inline constexpr Wave kRoomGas{1050, 420, 47, 180, 173};        // ppm CO2 where people breathe
-inline constexpr Wave kCellarGas{18300, 12400, 53, 5300, 187};  // ppm CO2 where gas may leak
+inline constexpr Wave kCellarGas{18300, 15500, 53, 2200, 187};  // ppm CO2 where gas may leak
 inline constexpr Wave kMonoxide{12, 6, 59, 4, 199};             // ppm CO where engines run
 
 /// The live values of a sensor are a function of this.

@@ -10,6 +10,7 @@ namespace brelant::bench {
 namespace {
 
 // docs/memory-maps.md names the fields.
+constexpr std::size_t kOxygenSpan = 0;
 constexpr std::size_t kCalibrationBase = 34;
 constexpr std::size_t kZeroWord = 46;
 constexpr std::size_t kDisplay = 50;
@@ -19,7 +20,8 @@ constexpr std::size_t kMainAlarm = 78;
 constexpr std::size_t kOxygenPreAlarm = 80;
 constexpr std::size_t kOxygenMainAlarm = 84;
 constexpr std::size_t kTemperatureCoefficient = 83;
-constexpr std::size_t kLive = 12;  // in RAM, as the next
+constexpr std::size_t kLive = 12;  // in RAM, as the next two
+constexpr std::size_t kOxygenSignal = 38;
 constexpr std::size_t kSignal = 40;
 
 constexpr std::size_t kTemperatureChannel = 4;
@@ -39,6 +41,17 @@ int SpreadOf(const Product& product) {
   return product.part == 215 && product.variant != kMeasuresOxygen ? 2 : 1;
 }
 
+// The signal is told as a position in the table that a host takes for it, which is that of CO2. As long as
+// the span is 1, a new CO2 table therefore leaves the reading alone.
+void MoveOxygen(Memory& memory, double seconds) {
+  const Table table = ReadTable(memory.eeprom, TableAt6x(kGasTable));
+  const auto signal =
+      static_cast<int>(std::lround(PositionOf(table, kRawOffset + kOxygen.At(seconds) * 100)));
+  PutWord(memory.ram, kOxygenSignal, signal);
+  const double position = static_cast<double>(signal) * Word(memory.eeprom, kOxygenSpan) / kOne;
+  PutWord(memory.ram, kLive + 2 * kOxygenChannel, ThroughTable6x(memory, kGasTable, position));
+}
+
 }  // namespace
 
 void FillPlatform61(const Product& product, Memory& memory) {
@@ -46,6 +59,7 @@ void FillPlatform61(const Product& product, Memory& memory) {
   Bytes eeprom = memory.eeprom;
   const bool oxygen = product.variant == kMeasuresOxygen;
   FillIdentity6x(product, memory);
+  if (oxygen) PutWord(eeprom, kOxygenSpan, kOne);
   const GasWords gas = GasWordsOf(CurveOf(product), SpreadOf(product));
   PutWord(eeprom, kZeroWord, kNewZeroWord);
   PutWord(eeprom, kCalibrationBase, gas.calibration_base);
@@ -79,8 +93,7 @@ void MovePlatform61(const Product& product, Memory& memory, const Moment& moment
   PutWord(ram, kLive + 2 * kTemperatureChannel,
           TemperatureThrough6x(memory, kTemperature.At(moment.seconds)));
   PutWord(ram, kLive + 2 * kGasChannel, ThroughTable6x(memory, kGasTable, position));
-  const double oxygen_raw = kRawOffset + kOxygen.At(moment.seconds) * 100;
-  if (oxygen) PutWord(ram, kLive + 2 * kOxygenChannel, static_cast<int>(std::lround(oxygen_raw)));
+  if (oxygen) MoveOxygen(memory, moment.seconds);
 }
 
 }  // namespace brelant::bench

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 #include "bench/gas_path.h"
 #include "bench/platforms.h"
@@ -69,16 +70,23 @@ void PutAlarmRow(Bytes eeprom, std::size_t row, std::size_t channel, int level, 
   eeprom[kAlarmChannels + 2 * row] = static_cast<std::uint8_t>(channel);
 }
 
+// A temperature, and an entry that a calibration has moved, may lie below zero.
+int Signed(int word) {
+  return static_cast<std::int16_t>(word);
+}
+
 bool InAlarm(const Memory& memory, std::size_t row) {
   const std::size_t at = kAlarmRows + kAlarmRowSize * row;
   const int level = Word(memory.eeprom, at) & 0x7FFF;
   const std::size_t channel = memory.eeprom[kAlarmChannels + 2 * row] & 15U;
-  const int value = Word(memory.ram, kLive + 2 * channel);
+  const int value = Signed(Word(memory.ram, kLive + 2 * channel));
   return (memory.eeprom[at + 2] & kBelow) != 0 ? value < level : value > level;
 }
 
 int ThroughTable(const Memory& memory, std::size_t table, double position) {
-  return static_cast<int>(std::lround(ValueAt(ReadTable(memory.eeprom, TableAt(table)), position)));
+  Table entries = ReadTable(memory.eeprom, TableAt(table));
+  std::ranges::transform(entries, entries.begin(), Signed);
+  return static_cast<int>(std::lround(ValueAt(entries, position)));
 }
 
 void MoveGas(Memory& memory, double seconds) {

@@ -179,6 +179,13 @@ TEST(TemperatureCalibration, OfPlatform5IsAnAddendOfTheZeroWord) {
   EXPECT_EQ(WordAt(sensor.Ram(), 20), 5000 + 2350);
 }
 
+void MoveTable(VirtualSensor& sensor, std::size_t table, int delta) {
+  for (std::size_t at = table; at < table + 34; at += 2) {
+    SetWord(sensor.Eeprom(), at, (WordAt(sensor.Eeprom(), at) + delta + 65536) % 65536);
+  }
+  sensor.Advance(seconds(0));
+}
+
 TEST(TemperatureCalibration, OfTheOthersMovesTable0) {
   struct Case {
     int part;
@@ -189,31 +196,106 @@ TEST(TemperatureCalibration, OfTheOthersMovesTable0) {
   for (const auto& [part, table, value, expected] : {Case{222, 308, 12, 7350}, Case{223, 308, 14, 7200},
                                                      Case{215, 308, 20, 7350}, Case{50, 512, 20, 2350}}) {
     VirtualSensor sensor({.part = part});
-    for (std::size_t i = 0; i < 17; ++i) {
-      SetWord(sensor.Eeprom(), table + 2 * i, WordAt(sensor.Eeprom(), table + 2 * i) + 150);
-    }
-    sensor.Advance(seconds(0));
+    MoveTable(sensor, table, 150);
     EXPECT_EQ(WordAt(sensor.Ram(), value), expected) << part;
   }
 }
 
+TEST(TemperatureCalibration, OfPlatform61IsTheSameInBothVariants) {
+  VirtualSensor sensor({.part = 215, .variant = 1});
+  MoveTable(sensor, 308, -250);
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 5000 + 1950);
+}
+
+// From 22 C to -1 C: the entries below 23 C become negative, those above stay positive.
+TEST(TemperatureCalibration, OfPlatform7GoesBelowZero) {
+  VirtualSensor sensor({.part = 50});
+  MoveTable(sensor, 512, -2300);
+  EXPECT_EQ(WordAt(sensor.Eeprom(), 512), 65536 - 2300);
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 65536 - 100);
+}
+
 // The O2 span word is table position x 2048 / signal; table 4 lies at 648.
+double OxygenSpanWord(VirtualSensor& sensor, std::size_t table, double told) {
+  const Entries entries = EntriesAt(sensor.Eeprom(), table);
+  return std::nearbyint(ValueToTable(entries, told) * 2048 / WordAt(sensor.Ram(), 38));
+}
+
+void SetOxygen(VirtualSensor& sensor, std::size_t address, double word) {
+  SetWord(sensor.Eeprom(), address, static_cast<int>(word));
+  sensor.Advance(seconds(0));
+}
+
 TEST(OxygenSpan, PutsTheReadingOnTheToldValue) {
   VirtualSensor sensor({.part = 50});
-  const Entries table = EntriesAt(sensor.Eeprom(), 648);
   for (const double told : {1500.0, 2090.0}) {
-    const double word = std::nearbyint(ValueToTable(table, told) * 2048 / WordAt(sensor.Ram(), 38));
-    SetWord(sensor.Eeprom(), 0, static_cast<int>(word));
-    sensor.Advance(seconds(0));
+    SetOxygen(sensor, 0, OxygenSpanWord(sensor, 648, told));
     EXPECT_NEAR(WordAt(sensor.Ram(), 24), told, 1) << told;
   }
 }
 
 TEST(OxygenZero, PutsTheReadingOnZero) {
   VirtualSensor sensor({.part = 50});
-  SetWord(sensor.Eeprom(), 760, WordAt(sensor.Ram(), 38));
-  sensor.Advance(seconds(0));
+  SetOxygen(sensor, 760, WordAt(sensor.Ram(), 38));
   EXPECT_EQ(WordAt(sensor.Ram(), 24), 0);
+}
+
+// The zero is taken away before the span counts, and the signal is told without either.
+TEST(OxygenZero, AndSpanActTogether) {
+  VirtualSensor sensor({.part = 50});
+  const double signal = WordAt(sensor.Ram(), 38);
+  SetOxygen(sensor, 760, 1000);
+  SetOxygen(sensor, 0, 2500);
+  EXPECT_EQ(WordAt(sensor.Ram(), 38), signal);
+  const Entries table = EntriesAt(sensor.Eeprom(), 648);
+  EXPECT_EQ(WordAt(sensor.Ram(), 24), std::lround(Interpolated(table, (signal - 1000) * 2500 / 2048)));
+}
+
+// The host takes table 4 on platform 61 too, where it is that of CO2, at 444.
+TEST(OxygenSpan, OfPlatform61PutsTheReadingOnTheToldValue) {
+  VirtualSensor sensor({.part = 215});
+  ASSERT_EQ(WordAt(sensor.Eeprom(), 0), 2048);
+  for (const double told : {5000.0 + 1500, 5000.0 + 2090}) {
+    SetOxygen(sensor, 0, OxygenSpanWord(sensor, 444, told));
+    EXPECT_NEAR(WordAt(sensor.Ram(), 24), told, 3) << told;
+    const double x = WordAt(sensor.Ram(), 38) * static_cast<double>(WordAt(sensor.Eeprom(), 0)) / 2048;
+    EXPECT_NEAR(WordAt(sensor.Ram(), 24), Interpolated(EntriesAt(sensor.Eeprom(), 444), x), 0.501) << told;
+  }
+}
+
+TEST(OxygenSpan, OfPlatform61IsNotSpoiltByANewTableOfCO2) {
+  Sensor sensor(kPaths[3]);
+  const Entries bent = BentEntries(kPrintedB, 1, 2000, sensor.Position(1) / 61440, 5000);
+  const int before = WordAt(sensor.Ram(), 24);
+  for (std::size_t i = 0; i < bent.size(); ++i) {
+    SetWord(sensor.Eeprom(), 444 + 2 * i, (static_cast<int>(bent[i]) + 65536) % 65536);
+  }
+  sensor.Advance(seconds(0));
+  EXPECT_NEAR(WordAt(sensor.Ram(), 24), before, 1);
+}
+
+// After one calibration of each kind the readings are what the host was told; a temperature has nothing to do
+// with the gases.
+TEST(AllCalibrations, OneAfterTheOther) {
+  for (const Path& path : {kPaths[3], kPaths[5]}) {
+    Sensor sensor(path);
+    const bool seven = path.part == 50;
+    sensor.SetZero(std::trunc(125829120 / sensor.Signal()));
+    const double zero_reading = sensor.Reading();
+    sensor.SetZero(std::trunc(WordOfPlace(ValueToTable(sensor.Table(), path.offset + 1200), 1) * 2048 /
+                              sensor.Signal()));
+    const Entries bent =
+        BentEntries(seven ? kPrintedD : kPrintedB, 1, 1600, sensor.Position(1) / 61440, path.offset);
+    for (std::size_t i = 0; i < bent.size(); ++i) {
+      SetWord(sensor.Eeprom(), *path.table + 2 * i, (static_cast<int>(bent[i]) + 65536) % 65536);
+    }
+    MoveTable(sensor, seven ? 512 : 308, 100);
+    SetOxygen(sensor, 0, OxygenSpanWord(sensor, seven ? 648 : 444, path.offset + 1800));
+    EXPECT_NEAR(zero_reading, path.offset, 2) << path.part;
+    EXPECT_NEAR(sensor.Reading(), path.offset + 1600, 50) << path.part;
+    EXPECT_EQ(WordAt(sensor.Ram(), 20), path.offset + 2300) << path.part;
+    EXPECT_NEAR(WordAt(sensor.Ram(), 24), path.offset + 1800, 3) << path.part;
+  }
 }
 
 }  // namespace

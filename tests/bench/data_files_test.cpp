@@ -175,46 +175,87 @@ std::vector<int> RamOf(const std::string& file) {
   return ram;
 }
 
-void ExpectWhole(const std::string& name, int type, int size) {
+struct Extent {
+  int type;
+  int size;
+};
+
+// The blocks stand one behind the other and fill the file.
+void ExpectWhole(const std::string& name, const std::vector<Extent>& blocks) {
   const std::string file = Load(name);
-  ASSERT_EQ(file.size(), 17U + 4 + static_cast<std::size_t>(size)) << name;
   int sum = 0;
   for (std::size_t i = 17; i < file.size(); ++i) sum += ByteAt(file, i);
   EXPECT_EQ(ByteAt(file, 0), 1);
-  EXPECT_EQ(HalfAt(file, 1), sum % 65536);
-  EXPECT_EQ(HalfAt(file, 3), size + 4);
-  EXPECT_EQ(HalfAt(file, 5), 1);
+  EXPECT_EQ(HalfAt(file, 1), sum % 65536) << name;
+  EXPECT_EQ(HalfAt(file, 3), static_cast<int>(file.size()) - 17) << name;
+  EXPECT_EQ(HalfAt(file, 5), static_cast<int>(blocks.size())) << name;
   EXPECT_EQ(file.substr(7, 10), std::string(10, '\0'));
-  EXPECT_EQ(HalfAt(file, 17), type);
-  EXPECT_EQ(HalfAt(file, 19), size);
+  std::size_t at = 17;
+  for (const auto& [type, size] : blocks) {
+    ASSERT_LE(at + 4, file.size()) << name;
+    EXPECT_EQ(HalfAt(file, at), type) << name;
+    EXPECT_EQ(HalfAt(file, at + 2), size) << name;
+    at += 4 + static_cast<std::size_t>(size);
+  }
+  EXPECT_EQ(file.size(), at) << name;
 }
 
 TEST(SimulationFile, EachIsAWholeContainer) {
   for (const char* name : {"Last.sim", "Vega 3.sim", "Platform 5 chart.sim", "Platform 5 part 104.sim",
                            "Platform 5 part 112.sim", "Platform 5 part 120.sim", "Platform 5 part 231.sim"}) {
-    ExpectWhole(name, 1, 240);
+    ExpectWhole(name, {{1, 240}});
   }
 }
 
+struct FaceFile {
+  const char* name;
+  int part;
+  int variant;
+};
+
 // The block is EEPROM 0 to 511, in order.
-TEST(SimulationFile, OfEachFaceOfPlatform6IsTheEepromOfItsSensor) {
-  struct Case {
-    const char* name;
-    int part;
-    int variant;
-  };
+TEST(SimulationFile, OfEachFaceOfPlatforms6And61IsTheEepromOfItsSensor) {
   for (const auto& [name, part, variant] :
-       {Case{"generic", 88, 0}, Case{"VAV 222", 222, 1}, Case{"VAV 223", 223, 1},
-        Case{"three outputs", 88, 2}, Case{"jumper table", 88, 3}, Case{"sequential", 88, 4},
-        Case{"compact", 221, 5}}) {
-    const std::string path = "Platform 6 " + std::string(name) + ".sim";
-    ExpectWhole(path, 10, 512);
+       {FaceFile{"6 generic", 88, 0}, FaceFile{"6 VAV 222", 222, 1}, FaceFile{"6 VAV 223", 223, 1},
+        FaceFile{"6 three outputs", 88, 2}, FaceFile{"6 jumper table", 88, 3},
+        FaceFile{"6 sequential", 88, 4}, FaceFile{"6 compact", 221, 5}, FaceFile{"61 CO2 and O2", 215, 0},
+        FaceFile{"61 CO2", 215, 1}}) {
+    const std::string path = "Platform " + std::string(name) + ".sim";
+    ExpectWhole(path, {{10, 512}});
     const std::string file = Load(path);
     ASSERT_EQ(ByteAt(file, 21 + 164), part) << name;
     VirtualSensor sensor({.part = part, .variant = variant});
     for (std::size_t at = 0; at < 512; ++at) {
       ASSERT_EQ(ByteAt(file, 21 + at), sensor.Eeprom()[at]) << name << ' ' << at;
     }
+  }
+}
+
+// 17 bytes of header, then two blocks of 4 + 512: EEPROM 0 to 511 from 21 on, 512 to 1023 from 537 on.
+TEST(SimulationFile, OfPlatform7IsTheEepromOfItsSensorInTwoBlocks) {
+  for (const auto& [name, part, variant] :
+       {FaceFile{"Platform 7 variant 1.sim", 50, 1}, FaceFile{"Platform 7 variant 2.sim", 50, 2}}) {
+    ExpectWhole(name, {{10, 512}, {11, 512}});
+    const std::string file = Load(name);
+    ASSERT_EQ(file.size(), 1049U);
+    VirtualSensor sensor({.part = part, .variant = variant});
+    for (std::size_t at = 0; at < 1024; ++at) {
+      const int byte = ByteAt(file, at < 512 ? 21 + at : 25 + at);
+      ASSERT_EQ(byte, at == 164 ? part : sensor.Eeprom()[at]) << name << ' ' << at;
+    }
+    EXPECT_EQ(ByteAt(file, 1048), variant);
+  }
+}
+
+TEST(SimulationFile, OfPlatform61TellsItsVariant) {
+  const std::string with_oxygen = Load("Platform 61 CO2 and O2.sim");
+  const std::string without = Load("Platform 61 CO2.sim");
+  EXPECT_EQ(ByteAt(with_oxygen, 21 + 173), 0);
+  EXPECT_EQ(ByteAt(without, 21 + 173), 1);
+  // Bit 0 of 165 set and bit 0 of 90 clear: neither of them says another variant.
+  for (const std::string& file : {with_oxygen, without}) {
+    EXPECT_EQ(ByteAt(file, 21 + 165) & 1, 1);
+    EXPECT_EQ(ByteAt(file, 21 + 90) & 1, 0);
   }
 }
 

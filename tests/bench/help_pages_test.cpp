@@ -43,7 +43,42 @@ std::vector<std::string> Pages() {
 TEST(HelpPages, ThereIsOneForEachVariantThatHasAPanel) {
   EXPECT_THAT(Pages(), testing::IsSupersetOf({"help5v0.html", "help5v1.html", "help5v2.html", "help5v3.html",
                                               "help6v0.html", "help6v1.html", "help6v2.html", "help6v3.html",
-                                              "help6v4.html", "help6v5.html"}));
+                                              "help6v4.html", "help6v5.html", "help61v0.html",
+                                              "help61v1.html", "help7v1.html", "help7v2.html"}));
+}
+
+// Both variants have one panel, and so one page.
+TEST(HelpPages, OfPlatform7IsOne) {
+  EXPECT_EQ(Page("help7v1.html"), Page("help7v2.html"));
+}
+
+TEST(HelpPages, OfPlatform7TellsEachTextOfTheStatusLine) {
+  for (const char* text : {"FatalError", "Algorithm error", "Output error", "Selfdiagnostic error",
+                           "Out of range", "Memory error", "Warming up"}) {
+    EXPECT_THAT(Page("help7v2.html"), testing::HasSubstr("<td>" + std::string(text) + "</td>"));
+    EXPECT_THAT(Page("help61v0.html"), testing::Not(testing::HasSubstr(text))) << text;
+  }
+}
+
+TEST(HelpPages, OfPlatforms61And7TellTheAlarmsThatTheyHave) {
+  for (const char* caption : {"CO2 PRE ALARM", "CO2 MAIN ALARM", "O2 PRE ALARM", "O2 MAIN ALARM", "OC 1"}) {
+    EXPECT_THAT(Page("help61v0.html"), testing::HasSubstr(caption)) << caption;
+    EXPECT_THAT(Page("help61v1.html"), testing::Not(testing::HasSubstr(caption))) << caption;
+    EXPECT_THAT(Page("help7v2.html"), testing::Not(testing::HasSubstr(caption))) << caption;
+  }
+  EXPECT_THAT(Page("help61v1.html"), testing::Not(testing::HasSubstr("id=\"alarms\"")));
+  EXPECT_THAT(Page("help7v2.html"), testing::HasSubstr("id=\"alarms\""));
+}
+
+// Platform 7 has one single point and no settings files; platform 61 has all.
+TEST(HelpPages, OfPlatforms61And7TellTheCommandsThatTheyHave) {
+  for (const char* page : {"help61v0.html", "help61v1.html"}) {
+    EXPECT_THAT(Page(page), testing::HasSubstr("\"Fresh air\" and \"Other\"")) << page;
+    EXPECT_THAT(Page(page), testing::HasSubstr("The ID is one of the settings.")) << page;
+  }
+  EXPECT_THAT(Page("help7v2.html"), testing::HasSubstr("\"Zero\" only"));
+  EXPECT_THAT(Page("help7v2.html"), testing::Not(testing::HasSubstr("Fresh air")));
+  EXPECT_THAT(Page("help7v2.html"), testing::HasSubstr("no settings files"));
 }
 
 TEST(HelpPages, EachLinkLeadsSomewhere) {

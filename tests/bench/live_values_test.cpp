@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <array>
-#include <set>
-#include <utility>
+#include <algorithm>
+#include <functional>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -126,16 +126,71 @@ TEST(Alarms, OfPlatform7ComeAndGo) {
   EveryAlarmComesAndGoes(sensor, 210, 3);
 }
 
-TEST(Alarms, LevelsOfPlatform61AreCrossed) {
-  VirtualSensor sensor({.part = 215});
-  const std::array levels{std::pair{22U, 76U}, std::pair{22U, 78U}, std::pair{24U, 80U}, std::pair{24U, 84U}};
-  for (const auto& [value, level] : levels) {
-    std::set<bool> sides;
-    for (int t = 0; t < 3600; t += 2) {
-      sensor.Advance(seconds(t));
-      sides.insert(WordAt(sensor.Ram(), value) > WordAt(sensor.Eeprom(), level));
+// A temperature of -1 C is the word 65436 and lies below a level of 5 C, not above it.
+TEST(Alarms, OfPlatform7TakeATemperatureBelowZeroAsSuch) {
+  VirtualSensor sensor({.part = 50});
+  for (const std::size_t row : {0U, 1U, 2U}) {
+    sensor.Eeprom()[925 + 2 * row] = 4;
+    SetWord(sensor.Eeprom(), 834 + 6 * row, 500);
+    sensor.Eeprom()[836 + 6 * row] = row == 1 ? 128 : 0;
+  }
+  for (std::size_t entry = 0; entry < 17; ++entry) SetWord(sensor.Eeprom(), 512 + 2 * entry, 65436);
+  sensor.Advance(seconds(0));
+  EXPECT_EQ(WordAt(sensor.Ram(), 20), 65436);
+  EXPECT_EQ(sensor.Ram()[210], 2);
+}
+
+// A person who watches the panel sees each alarm come and go: polled for an hour, no state lasts longer than
+// the longer of the two waves, that of O2.
+void ExpectNoStateLasts(VirtualSensor& sensor, const std::function<bool()>& in_alarm,
+                        const std::string& what) {
+  int since = 0;
+  int longest = 0;
+  bool before = false;
+  for (int t = 0; t < 3600; t += 2) {
+    sensor.Advance(seconds(t));
+    if (in_alarm() != before) {
+      before = !before;
+      longest = std::max(longest, t - since);
+      since = t;
     }
-    EXPECT_EQ(sides.size(), 2U) << level;
+  }
+  EXPECT_LE(std::max(longest, 3600 - since), 72) << what;
+}
+
+struct AlarmLevel {
+  std::size_t value;
+  std::size_t level;
+  bool above;
+};
+
+// CO2 is in alarm above its levels, O2 below them.
+TEST(Alarms, OfPlatform61ComeAndGoEachMinute) {
+  VirtualSensor sensor({.part = 215});
+  for (const AlarmLevel& alarm : {AlarmLevel{22, 76, true}, AlarmLevel{22, 78, true},
+                                  AlarmLevel{24, 80, false}, AlarmLevel{24, 84, false}}) {
+    const auto in_alarm = [&] {
+      const int value = WordAt(sensor.Ram(), alarm.value);
+      const int level = WordAt(sensor.Eeprom(), alarm.level);
+      return alarm.above ? value > level : value < level;
+    };
+    ExpectNoStateLasts(sensor, in_alarm, "level at " + std::to_string(alarm.level));
+  }
+}
+
+// A row is in alarm by its own slope; channels 4, 5 and 6 are the words at 20, 22 and 24.
+TEST(Alarms, OfEachRowOfPlatform7ComeAndGoEachMinute) {
+  for (const int variant : {1, 2}) {
+    VirtualSensor sensor({.part = 50, .variant = variant});
+    for (const std::size_t row : {0U, 1U, 2U}) {
+      const auto in_alarm = [&] {
+        const std::size_t channel = sensor.Eeprom()[925 + 2 * row] & 15U;
+        const int value = WordAt(sensor.Ram(), 12 + 2 * channel);
+        const int level = WordAt(sensor.Eeprom(), 834 + 6 * row) & 0x7FFF;
+        return (sensor.Eeprom()[836 + 6 * row] & 128) != 0 ? level > value : level < value;
+      };
+      ExpectNoStateLasts(sensor, in_alarm, "row " + std::to_string(row));
+    }
   }
 }
 
