@@ -9,6 +9,8 @@
 #include "panels/frm5.h"
 #include "panels/frm5Chart.h"
 #include "panels/frm6.h"
+#include "panels/frm61.h"
+#include "panels/platform61/transfers.h"
 #include "platform/machine_error.h"
 #include "shell/Common.h"
 
@@ -29,9 +31,8 @@ struct PanelChoice {
 };
 
 constexpr std::array kPanelChoices{
-    PanelChoice{5, 0, 0, "frm5"},
-    PanelChoice{5, 1, 3, "frm5Chart"},
-    PanelChoice{6, 0, 5, "frm6"},
+    PanelChoice{5, 0, 0, "frm5"},   PanelChoice{5, 1, 3, "frm5Chart"}, PanelChoice{6, 0, 5, "frm6"},
+    PanelChoice{61, 0, 1, "frm61"}, PanelChoice{7, 1, 2, "frm61"},
 };
 
 const PanelChoice* ChoiceFor(int platform, float variant) {
@@ -90,6 +91,7 @@ void KVXMain::FillPanelList() {
   panelList_.push_back({"frm5", [this] { return std::make_unique<frm5>(context_); }});
   panelList_.push_back({"frm5Chart", [this] { return std::make_unique<frm5Chart>(context_); }});
   panelList_.push_back({"frm6", [this] { return std::make_unique<frm6>(context_); }});
+  panelList_.push_back({"frm61", [this] { return std::make_unique<frm61>(context_); }});
 }
 
 void KVXMain::AskForSettings() {
@@ -144,8 +146,16 @@ KVXMain::Outcome KVXMain::LoadSimulation() {
     return Outcome::started;
   }
   const auto name = session.AppDir + (choice == "Last" ? "\\Last.set" : "\\" + choice + ".sim");
+  return LoadImage(name) ? Outcome::started : Outcome::failed;
+}
+
+bool KVXMain::LoadImage(const std::string& name) {
   std::uint8_t block = snsFil::first;
-  return context_.file.ReadSetBlock(name, block, true, true) ? Outcome::started : Outcome::failed;
+  if (!context_.file.ReadSetBlock(name, block, true, true)) return false;
+  if (context_.info.GetPlatform() != 7) return true;
+  // The settings of this platform do not fit into one block.
+  block = snsFil::upperEeprom;
+  return context_.file.ReadSetBlock(name, block, true, true);
 }
 
 /// Once per process.
@@ -195,11 +205,19 @@ bool KVXMain::ReadImage(bool simulated) {
       if (!context_.definitions.LoadDefinition()) return false;
       return simulated || ReadWhole(kWholeRam, false);
     case 6:
+    case 61:
       return simulated || ReadWhole(kWholeEeprom, true);
+    case 7:
+      return simulated || ReadSettingsOf7();
     default:
       context_.session.LastError = kUnknownSensor;
       return false;
   }
+}
+
+bool KVXMain::ReadSettingsOf7() {
+  context_.msg.ShowProgress("Reading sensor", false, nullptr);
+  return platform61::ReadSettingsOf7(context_.com);
 }
 
 bool KVXMain::ReadWhole(std::int32_t selector, bool isEeprom) {
@@ -227,6 +245,7 @@ void KVXMain::EndSession() {
   session.sessionOver = true;
   auto* panel = session.CurrentPanel;
   if (panel != nullptr && panel->form.Visible()) {
+    panel->GiveImageBack();
     panel->FormRead();
     SaveLastSettings();
     panel->form.Hide();

@@ -48,11 +48,13 @@ class KVXMain {
   Outcome ConnectSensor();
   bool ReadPartNumber();
   Outcome LoadSimulation();
+  bool LoadImage(const std::string& name);
   void FillSimulationList();
   void PresetVega3();
   bool PreparePanel(bool simulated);
   bool ReadImage(bool simulated);
   bool ReadWhole(std::int32_t selector, bool isEeprom);
+  bool ReadSettingsOf7();
   void ShowPanel(bool simulated);
   void SaveLastSettings();
   void ShowMessage(const std::string& text);

@@ -7,6 +7,7 @@
 #include "desktop/panels/platform5/Panel5ChartWindow.h"
 #include "desktop/panels/platform5/Panel5Window.h"
 #include "desktop/panels/platform6/Panel6Window.h"
+#include "desktop/panels/platform61/Panel61Window.h"
 #include "desktop/windows/CalCurveWindow.h"
 #include "desktop/windows/ComSetWindow.h"
 #include "desktop/windows/MsgWindow.h"
@@ -37,9 +38,10 @@ std::unique_ptr<FormWindow> MakePanel(Panel& panel, Acts& acts) {
   return std::make_unique<Window>(panel, acts);
 }
 
-constexpr std::array<PanelEntry, 3> kPanels{{{"frm5", MakePanel<Panel5Window>},
+constexpr std::array<PanelEntry, 4> kPanels{{{"frm5", MakePanel<Panel5Window>},
                                              {"frm5Chart", MakePanel<Panel5ChartWindow>},
-                                             {"frm6", MakePanel<Panel6Window>}}};
+                                             {"frm6", MakePanel<Panel6Window>},
+                                             {"frm61", MakePanel<Panel61Window>}}};
 
 }  // namespace
 

@@ -178,11 +178,13 @@ void snsFil::TakeBlock(std::uint32_t type, std::span<const std::uint8_t> payload
   if (type == selection && payload.size() > kSelectionPad) {
     std::copy(payload.begin() + kSelectionPad, payload.end(), image_.ReadRequest.begin());
   }
-  if (type != eeprom || !apply) return;
-  for (std::size_t address = 0; address < payload.size(); ++address) {
-    image_.EepromImage[address] = payload[address];
-    image_.EepromValid[address] = true;
+  if ((type != eeprom && type != upperEeprom) || !apply) return;
+  const std::size_t base = type == eeprom ? 0 : kEepromBytes;
+  for (std::size_t i = 0; i < payload.size(); ++i) {
+    image_.EepromImage[base + i] = payload[i];
+    image_.EepromValid[base + i] = true;
   }
+  if (type != eeprom) return;
   image_.RamImage[kPartAddress] = image_.EepromImage[kPartCopy];
   image_.RamValid[kPartAddress] = true;
 }
@@ -246,6 +248,9 @@ Bytes snsFil::Payload(const BlockWrite& block) const {
       break;
     case eeprom:
       append(image_.EepromImage, 0, kEepromBytes);
+      break;
+    case upperEeprom:
+      append(image_.EepromImage, kEepromBytes, 2 * kEepromBytes);
       break;
     case selection:
       if (block.useSelection) {

@@ -20,7 +20,14 @@ namespace brelant {
 /// (docs/memory-maps.md, Settings files).
 class snsFil {
  public:
-  enum BlockType : std::uint8_t { first = 0, ram5 = 1, eeprom = 10, selection = 15, ram = 20 };
+  enum BlockType : std::uint8_t {
+    first = 0,
+    ram5 = 1,
+    eeprom = 10,
+    upperEeprom = 11,
+    selection = 15,
+    ram = 20
+  };
 
   /// A block to write; `useSelection` takes ReadRequest for a selection block, otherwise the one in SetBuffer
   /// is copied.

@@ -39,12 +39,16 @@ FunctionRows::FunctionRows(Form& form, const Size& size, const Rules& rules)
 
 void FunctionRows::Update(int function, std::span<const float> record, float channel,
                           const std::string& caption, SnsInfo& info) {
-  lblFchannel[function].SetText(caption);
+  UpdateInput(function, channel, caption, info);
   txbFa[function].SetText(info.RawToText(WordOf(record.subspan(kA)), channel, false));
   txbFb[function].SetText(info.RawToText(WordOf(record.subspan(kB)), channel, false));
+  functions.FunkTypeUpdate(function, false, FlagOf(record.subspan(kA)), FlagOf(record.subspan(kB)));
+}
+
+void FunctionRows::UpdateInput(int function, float channel, const std::string& caption, SnsInfo& info) {
+  lblFchannel[function].SetText(caption);
   lblFaUnit[function].SetText(info.GetChannelUnit(channel));
   lblFbUnit[function].SetText(lblFaUnit[function].Text());
-  functions.FunkTypeUpdate(function, false, FlagOf(record.subspan(kA)), FlagOf(record.subspan(kB)));
 }
 
 void FunctionRows::Read(int function, std::span<float> record, float channel, SnsInfo& info) const {

@@ -37,6 +37,8 @@ class FunctionRows {
   /// Fills the row of a function; `channel` is what the record's input byte stands for.
   void Update(int function, std::span<const float> record, float channel, const std::string& caption,
               SnsInfo& info);
+  /// The name and the units of its input alone.
+  void UpdateInput(int function, float channel, const std::string& caption, SnsInfo& info);
   /// Takes the row into the record, but for the input byte.
   void Read(int function, std::span<float> record, float channel, SnsInfo& info) const;
 

@@ -45,9 +45,7 @@ Panel5::Panel5(const PanelContext& context, const std::string& name, const Capti
 void Panel5::UpdateIdentity() {
   txbSN.SetText(context_.info.GetSensorIdentity());
   txbID.SetText(NumberText(Ram(kId)));
-  const int mode = Bits(Ram(kDisplayMode));
-  // A nonsense byte points past the menu.
-  lblDisplayMode.SetText(mode < mDisplayMode.Count() ? mDisplayMode[mode].Text() : "");
+  lblDisplayMode.SetText(CaptionAt(mDisplayMode, Bits(Ram(kDisplayMode))));
 }
 
 void Panel5::ReadIdentity() {
@@ -58,17 +56,16 @@ void Panel5::ReadIdentity() {
 }
 
 void Panel5::ChooseTempUnit(Control& label, bool isChannel0) {
-  FormRead();
-  PopUp(label, ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}));
-  if (isChannel0) Ram(kTypeOverride) = label.Text() == mTempUnitFarenheit.Text() ? 32 : 16;
-  FormUpdate();
+  Choose(label, ControlArray({&mTempUnitCelsius, &mTempUnitFarenheit}), [&] {
+    if (isChannel0) Ram(kTypeOverride) = label.Text() == mTempUnitFarenheit.Text() ? 32 : 16;
+  });
 }
 
 bool Panel5::ActionSensorRead() {
   ShowProgress("Reading from sensor", false);
   // Keeps the poll away while the image is empty; a failed read leaves it so.
   cbxSimulated.SetValue(1);
-  if (!ReadAfresh(kWholeRam, false)) return false;
+  if (!ReadAfresh([this] { return ReadWhole(kWholeRam, false); })) return false;
   cbxSimulated.SetValue(0);
   // The gas tables went with the image.
   return context_.definitions.LoadDefinition() && FormUpdate();
@@ -87,12 +84,10 @@ bool Panel5::ActionSettingsSave() {
   const auto name = AskForFile(UserInterface::FileUse::save, "Saving settings");
   if (!name) return true;
   // The file is to hold what the sensor holds; a simulated one is all in the image.
-  if (!Simulated() && !context_.com.ReadSensorMemory(kWholeRam, 0, 0, false, false)) return false;
+  if (!Simulated() && !ReadWhole(kWholeRam, false)) return false;
   if (!FormRead()) return false;
   std::uint8_t block = snsFil::first;
-  if (context_.file.SaveSettings(block, *name, 1, false)) return true;
-  context_.session.Fail("Can't save settings.");
-  return false;
+  return Saved(context_.file.SaveSettings(block, *name, 1, false));
 }
 
 void Panel5::SimMode(bool on) {
@@ -101,8 +96,7 @@ void Panel5::SimMode(bool on) {
 }
 
 bool Panel5::CalibrateSpan(const std::string& text) {
-  const float raw = context_.info.TextToRaw(text, kSpanChannel, false);
-  return context_.cal.CalibrateCO2Span(kSpanChannel, NumberText(raw), false);
+  return CalibrateSpanOf(kSpanChannel, text);
 }
 
 }  // namespace brelant

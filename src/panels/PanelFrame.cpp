@@ -9,23 +9,32 @@ namespace brelant {
 
 namespace {
 
-constexpr double kPollPeriod = 2.0;
 constexpr double kDay = 86400;
+
+constexpr std::size_t kPartAddress = 65;
+constexpr std::int32_t kWholeEeprom = 30;
 
 constexpr const char* kTitle = "KVX3.0";
 constexpr const char* kSimulatedTitle = "KVX3.0 Simulated mode";
+
+ControlArray AddEntries(Form& form, const std::vector<std::pair<std::string, std::string>>& entries) {
+  std::vector<Control*> added;
+  for (const auto& [name, caption] : entries) added.push_back(&form.AddMenu("mCalibrate", name, caption));
+  return ControlArray(added);
+}
 
 }  // namespace
 
 PanelFrame::PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions)
     : Panel(context.screen, name, captions.optionsMenu),
       context_(context),
-      CalTemp(form.AddMenu("mCalibrate", "CalTemp", captions.temperatureEntry)),
+      CalTemp(form.AddMenu("mCalibrate", captions.names.temperature, captions.temperatureEntry)),
       mCalCO2(form.AddMenu("mCalibrate", "mCalCO2", captions.singlePointEntry)),
-      mCalCO2Zero(form.AddMenu("mCalCO2", "mCalCO2Zero", "Zero")),
-      mCalCO2Background(form.AddMenu("mCalCO2", "mCalCO2Background", "Fresh air")),
-      mCalCO2Other(form.AddMenu("mCalCO2", "mCalCO2Other", "Other")),
+      mCalCO2Zero(form.AddMenu("mCalCO2", captions.names.zero, "Zero")),
+      mCalCO2Background(form.AddMenu("mCalCO2", captions.names.background, "Fresh air")),
+      mCalCO2Other(form.AddMenu("mCalCO2", captions.names.other, "Other")),
       mCalCO2span(form.AddMenu("mCalibrate", "mCalCO2span", "CO2 span")),
+      furtherCalibrations_(AddEntries(form, captions.furtherCalibrations)),
       mCalCurve(form.AddMenu("mCalibrate", "mCalCurve", "Calibration curve")),
       calibratingTemperature_(captions.calibratingTemperature) {
   const auto command = [this](Command code) { return [this, code] { Request(code); }; };
@@ -38,12 +47,8 @@ PanelFrame::PanelFrame(const PanelContext& context, const std::string& name, con
   mCalCO2Zero.onClick = command(calibrateCO2Zero);
   mCalCO2Background.onClick = command(calibrateCO2Background);
   mCalCO2Other.onClick = command(calibrateCO2Other);
-  // These two ask before they do anything: no box may stand in front of the question.
-  const auto question = [this](Command code) {
-    return [this, code] { context_.session.PanelCommand = code; };
-  };
-  CalTemp.onClick = question(calibrateTempZero);
-  mCalCO2span.onClick = question(calibrateCO2Span);
+  CalTemp.onClick = Question(calibrateTempZero);
+  mCalCO2span.onClick = Question(calibrateCO2Span);
   mCalCurve.SetEnabled(false);
   mCalCurve.onClick = [this] { context_.curve.form.Show(); };
   mComSet.onClick = [this] { ToggleComSet(); };
@@ -139,12 +144,21 @@ bool PanelFrame::RunAction(int command) {
   }
 }
 
-bool PanelFrame::ReadAfresh(std::int32_t selector, bool isEeprom) {
-  const auto before = context_.image;
+bool PanelFrame::ReadAfresh(const std::function<bool()>& read) {
+  imageBefore_ = context_.image;
   context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
-  if (context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false)) return true;
-  context_.image = before;
-  return false;
+  const bool done = read();
+  if (!done) GiveImageBack();
+  imageBefore_.reset();
+  return done;
+}
+
+void PanelFrame::GiveImageBack() {
+  if (imageBefore_) context_.image = *imageBefore_;
+}
+
+bool PanelFrame::ReadWhole(std::int32_t selector, bool isEeprom) {
+  return context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false);
 }
 
 void PanelFrame::TellNoSensor() {
@@ -156,6 +170,35 @@ std::optional<std::string> PanelFrame::AskForFile(UserInterface::FileUse use, co
   if (!name || name->empty()) return {};
   ShowProgress(text, false);
   return name;
+}
+
+bool PanelFrame::LoadEeprom() {
+  const auto name = AskForFile(UserInterface::FileUse::open, "Loading settings");
+  if (!name) return true;
+  if (!FormRead()) return false;
+  // A file brings the part number of the sensor that it was saved from.
+  auto& part = context_.image.RamImage.at(kPartAddress);
+  const float attached = part;
+  const bool loaded = context_.file.LoadSettings(*name, 0);
+  part = attached;
+  return loaded && FormUpdateInit() && FormUpdate();
+}
+
+bool PanelFrame::SendEeprom() {
+  if (!FormRead()) return false;
+  ShowProgress("Sending to sensor", false);
+  return context_.com.WriteSensorMemory(kWholeEeprom, 0, 0, true, true, false, true, true, false);
+}
+
+bool PanelFrame::SaveSelected(const std::string& name, std::int32_t selection,
+                              std::span<const snsFil::BlockWrite> blocks) {
+  context_.com.SelectBlock(selection);
+  return Saved(context_.file.SaveBlocks(name, 1, blocks));
+}
+
+bool PanelFrame::Saved(bool done) {
+  if (!done) context_.session.Fail("Can't save settings.");
+  return done;
 }
 
 std::optional<std::string> PanelFrame::Ask(const std::string& prompt) {
@@ -187,6 +230,11 @@ bool PanelFrame::ActionCalCO2span() {
   if (!text) return true;
   ShowProgress("Calibrating CO2 span", false);
   return Calibrated(CalibrateSpan(*text));
+}
+
+bool PanelFrame::CalibrateSpanOf(float channel, const std::string& text) {
+  const float raw = context_.info.TextToRaw(text, channel, false);
+  return context_.cal.CalibrateCO2Span(channel, NumberText(raw), false);
 }
 
 bool PanelFrame::Calibrated(bool done) {
@@ -234,6 +282,10 @@ void PanelFrame::Request(Command command) {
   context_.session.PanelCommand = command;
 }
 
+Control::Handler PanelFrame::Question(Command command) {
+  return [this, command] { context_.session.PanelCommand = command; };
+}
+
 void PanelFrame::MakeEditable(Control& field, std::function<void()> check, std::function<void()> store) {
   const auto leave = [&field, check = std::move(check), store = std::move(store)] {
     field.SetBack(colours::kFieldBack);
@@ -271,6 +323,7 @@ void PanelFrame::MakeIdEditable(Control& field) {
 }
 
 void PanelFrame::Restore() {
+  if (!ImageIsWhole()) return;
   FormRead();
   FormUpdate();
 }
@@ -286,8 +339,17 @@ void PanelFrame::PopUp(Control& label, const ControlArray& menu) {
 }
 
 void PanelFrame::ChooseAndStore(Control& label, const ControlArray& menu) {
+  if (!ImageIsWhole()) return;
   PopUp(label, menu);
   Restore();
+}
+
+void PanelFrame::Choose(Control& label, const ControlArray& menu, const std::function<void()>& store) {
+  if (!ImageIsWhole()) return;
+  FormRead();
+  PopUp(label, menu);
+  store();
+  FormUpdate();
 }
 
 std::optional<int> PanelFrame::FindCaption(const ControlArray& menu, int count, const std::string& caption) {
@@ -297,6 +359,10 @@ std::optional<int> PanelFrame::FindCaption(const ControlArray& menu, int count, 
     }
   }
   return {};
+}
+
+std::string PanelFrame::CaptionAt(const ControlArray& menu, int index) {
+  return index < menu.Count() ? menu[index].Text() : std::string();
 }
 
 void PanelFrame::ToggleComSet() {

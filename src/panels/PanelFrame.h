@@ -3,7 +3,10 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "calibration/frmCalCurve.h"
 #include "calibration/snsCal.h"
@@ -75,7 +78,16 @@ class PanelFrame : public Panel {
   };
 
   static constexpr int kEnterKey = 13;
+  /// Seconds from one poll to the next.
+  static constexpr double kPollPeriod = 2.0;
 
+  /// Names of the entries that calibrate temperature and CO2.
+  struct CalibrationNames {
+    std::string temperature = "CalTemp";
+    std::string zero = "mCalCO2Zero";
+    std::string background = "mCalCO2Background";
+    std::string other = "mCalCO2Other";
+  };
   /// What is not the same on all panels.
   struct Captions {
     std::string simulated;
@@ -83,12 +95,16 @@ class PanelFrame : public Panel {
     std::string temperatureEntry;
     std::string singlePointEntry;
     std::string optionsMenu = "mOptions";
+    CalibrationNames names = {};
+    /// Calibrations that not all panels have: name and caption of each entry.
+    std::vector<std::pair<std::string, std::string>> furtherCalibrations = {};
   };
 
   PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions);
 
   void PanelLoop() override;
   void SimMode(bool on) override;
+  void GiveImageBack() override;
   std::vector<Alarm> Alarms() const override { return {}; }
 
   /// Shows the live values from the images.
@@ -110,6 +126,11 @@ class PanelFrame : public Panel {
   /// One pass of the offline model.
   virtual void Simulate() = 0;
 
+  /// Index of the entry with that caption among the first `count`, a visible one before a hidden one.
+  static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
+  /// Caption of an entry, empty if a nonsense byte points past the menu.
+  static std::string CaptionAt(const ControlArray& menu, int index);
+
  protected:
   /// The live value fields.
   virtual const ControlArray& LiveFields() const = 0;
@@ -126,14 +147,35 @@ class PanelFrame : public Panel {
   void ShowProgress(const std::string& text, bool hideBar);
   /// Makes a command pending, behind the box that guards the panel until the loop takes it.
   void Request(Command command);
+  /// Makes a command pending that asks before it does anything: no box may stand in front of its question.
+  Control::Handler Question(Command command);
+  /// An answer of the user; nothing if it was cancelled or left empty.
+  std::optional<std::string> Ask(const std::string& prompt);
+  /// Keeps what a procedure did for the view.
+  bool Calibrated(bool done);
   /// Runs the span calibration with the text that the user typed.
   virtual bool CalibrateSpan(const std::string& text) = 0;
-  /// Empties the image and reads a block of the sensor. An image that was not read whole comes back as it
-  /// was: nothing of it may be sent, saved or calibrated as zeros.
-  bool ReadAfresh(std::int32_t selector, bool isEeprom);
+  /// The span calibration of platforms 5, 6 and 61.
+  bool CalibrateSpanOf(float channel, const std::string& text);
+  /// Empties the image and reads the sensor. An image that was not read whole comes back as it was: nothing
+  /// of it may be sent, saved or calibrated as zeros.
+  bool ReadAfresh(const std::function<bool()>& read);
+  /// False while such a read is under way: the image is another sensor's by halves, and no field is taken.
+  bool ImageIsWhole() const { return !imageBefore_; }
+  /// Reads a block of the sensor's memory (docs/protocol.md).
+  bool ReadWhole(std::int32_t selector, bool isEeprom);
   void TellNoSensor();
   /// The name of a settings file, asked for; nothing if there is none. `text` is then shown as progress.
   std::optional<std::string> AskForFile(UserInterface::FileUse use, const std::string& text);
+  /// Loads a settings file of a sensor whose settings lie in EEPROM.
+  bool LoadEeprom();
+  /// Takes the form and sends all of such a sensor's settings.
+  bool SendEeprom();
+  /// Saves blocks of such a sensor; a selection block among them marks what `selection` selects.
+  bool SaveSelected(const std::string& name, std::int32_t selection,
+                    std::span<const snsFil::BlockWrite> blocks);
+  /// Tells of a save that failed without a text of its own.
+  bool Saved(bool done);
 
   /// Gives a field the edit rules. `check` runs first when the field is left, `store` after it.
   void MakeEditable(Control& field, std::function<void()> check, std::function<void()> store);
@@ -148,8 +190,8 @@ class PanelFrame : public Panel {
   void PopUp(Control& label, const ControlArray& menu);
   /// The same, and the form is taken and filled again.
   void ChooseAndStore(Control& label, const ControlArray& menu);
-  /// Index of the entry with that caption among the first `count`, a visible one before a hidden one.
-  static std::optional<int> FindCaption(const ControlArray& menu, int count, const std::string& caption);
+  /// The same for a choice that the form does not hold: the form is taken before, `store` takes the choice.
+  void Choose(Control& label, const ControlArray& menu, const std::function<void()>& store);
 
   PanelContext context_;
   Control& CalTemp;
@@ -158,6 +200,7 @@ class PanelFrame : public Panel {
   Control& mCalCO2Background;
   Control& mCalCO2Other;
   Control& mCalCO2span;
+  ControlArray furtherCalibrations_;
   /// The view of what the last calibration did.
   Control& mCalCurve;
   Control* PopupTarget = nullptr;
@@ -166,12 +209,11 @@ class PanelFrame : public Panel {
   void LetEventsRun(double lastPoll);
   void RunCommand();
   void PollWhenDue(double& lastPoll);
-  std::optional<std::string> Ask(const std::string& prompt);
-  /// Keeps what a procedure did for the view.
-  bool Calibrated(bool done);
   void ToggleComSet();
   void OpenHelp();
 
+  /// The image behind a read of all settings that is under way.
+  std::optional<SensorImage> imageBefore_;
   std::string calibratingTemperature_;
   bool running_ = false;
   /// Revision of the form behind the last simulated pass.

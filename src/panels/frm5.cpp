@@ -46,11 +46,6 @@ int KindBit(int output) {
   return output == 0 ? 2 : 4;
 }
 
-/// Caption of a menu entry, empty if a nonsense byte points past the menu.
-std::string CaptionAt(const ControlArray& menu, int index) {
-  return index < menu.Count() ? menu[index].Text() : std::string();
-}
-
 }  // namespace
 
 frm5::frm5(const PanelContext& context)
@@ -228,9 +223,13 @@ std::vector<Panel::LiveValue> frm5::LiveValues() const {
         {mCHannel[k].Text(), txbCHact[k].Text(), context_.info.GetChannelUnit(static_cast<float>(k))});
   }
   for (int j = 0; j < kOutputs; ++j) {
-    values.push_back({"Out " + std::to_string(j + 1), txbOutOut[j].Text(), "%"});
+    values.push_back({NameOf(j), txbOutOut[j].Text(), "%"});
   }
   return values;
+}
+
+std::string frm5::NameOf(int output) const {
+  return "Out " + std::to_string(output + 1);
 }
 
 // Taking the form
@@ -274,7 +273,7 @@ void frm5::ReadShift() {
 void frm5::ReadOutput(int output, float exponent) {
   const int record = OutputRecord(output);
   const auto& feeds = rows.FeedsOf(output);
-  const bool digital = optOut5Digital[output].Value() == 1;
+  const bool digital = IsDigital(output);
   int bits = Bits(Ram(record)) & kUnknownBit;
   for (int i = 0; i < kFunctions; ++i) bits |= feeds[i].Value() << i;
   bits |= trigger.cbxDigTout[output].Value() * kTriggerFeeds;
@@ -300,21 +299,19 @@ void frm5::ReadTrigger() {
 // The user's choices
 
 void frm5::ChooseFunctionChannel(int function) {
-  FormRead();
   auto& label = rows.lblFchannel[function];
-  PopUp(label, mCHannel);
-  const auto channel = FindCaption(mCHannel, kChannels, label.Text());
-  if (channel) FunctionRecord(function)[0] = static_cast<float>(*channel);
-  FormUpdate();
+  Choose(label, mCHannel, [&] {
+    const auto channel = FindCaption(mCHannel, kChannels, label.Text());
+    if (channel) FunctionRecord(function)[0] = static_cast<float>(*channel);
+  });
 }
 
 void frm5::ChooseShiftChannel() {
-  FormRead();
-  PopUp(lblShiftb, mCHannel);
-  if (const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text())) {
+  Choose(lblShiftb, mCHannel, [&] {
+    const auto channel = FindCaption(mCHannel, kChannels, lblShiftb.Text());
+    if (!channel) return;
     Ram(kShiftChannel) = AsByte(context_.definitions.Channel(*channel).ChannelType * 16.0 + *channel);
-  }
-  FormUpdate();
+  });
 }
 
 // The sensor
@@ -346,39 +343,30 @@ void frm5::SimMode(bool on) {
 }
 
 void frm5::Simulate() {
-  std::array<double, kOutputs> outputs{};
-  try {
-    for (int j = 0; j < kOutputs; ++j) {
-      outputs.at(static_cast<std::size_t>(j)) =
-          OutputOf(OutputSum(j), optOut5Digital[j].Value() == 1, ParseNumber(txbOutOut[j].Text()));
-    }
-  } catch (const NoResult&) {
-    return;
-  }
-  for (int j = 0; j < kOutputs; ++j) {
-    txbOutOut[j].SetText(NumberText(static_cast<float>(Round(outputs.at(static_cast<std::size_t>(j))))));
-  }
+  ShowOutputs();
 }
 
-double frm5::OutputSum(int output) const {
-  double sum = optOut5Digital[output].Value() == 1 ? 0 : ParseNumber(txbOutBaseLine[output].Text());
-  sum = rows.Sum(output, sum, [this](const std::string& channel) { return FunctionInput(channel); });
-  if (trigger.cbxDigTout[output].Value() == 1) {
+double frm5::Percent(int output, double shown, const FunctionRows::Input& input) const {
+  const double baseLine = IsDigital(output) ? 0 : ParseNumber(txbOutBaseLine[output].Text());
+  double sum = rows.Sum(output, baseLine, input);
+  if (trigger.Feeds(output)) {
     const double level = ParseNumber(trigger.txbDigTlevel.Text());
     if (trigger.Active()) sum += level;
     // A negative trigger counts double.
     if (trigger.linDigTNsign.Visible()) sum += level;
   }
-  return LimitSum(sum);
+  return OutputOf(LimitSum(sum), IsDigital(output), shown);
 }
 
-std::optional<double> frm5::FunctionInput(const std::string& channel) const {
+const Control* frm5::LiveField(const std::string& channel) const {
   for (int c = 0; c < kChannels; ++c) {
-    if (lblCH_Name[c].Text() != channel) continue;
-    const double x = ParseNumber(txbCHact[c].Text());
-    return lblShiftb.Text() == channel ? x + ParseNumber(txbShiftBamount.Text()) : x;
+    if (lblCH_Name[c].Text() == channel) return &txbCHact[c];
   }
-  return {};
+  return nullptr;
+}
+
+double frm5::ShiftOf(const std::string& channel) const {
+  return lblShiftb.Text() == channel ? ParseNumber(txbShiftBamount.Text()) : 0;
 }
 
 FunctionClass frm5::ClassOf(int function) const {

@@ -9,13 +9,14 @@
 
 #include "panels/DigitalTrigger.h"
 #include "panels/FunctionRows.h"
+#include "panels/OutputStage.h"
 #include "panels/Panel5.h"
 
 namespace brelant {
 
 /// The panel of platform 5 transmitters with two outputs driven by a network of five functions. All settings
 /// live in RamImage (docs/memory-maps.md, Platform 5).
-class frm5 : public Panel5 {
+class frm5 : public Panel5, public OutputStage {
  public:
   static constexpr int kChannels = 4;
   static constexpr int kFunctions = 5;
@@ -33,6 +34,9 @@ class frm5 : public Panel5 {
   void SimMode(bool on) override;
   void Simulate() override;
   std::vector<LiveValue> LiveValues() const override;
+  int Outputs() const override { return kOutputs; }
+  std::string NameOf(int output) const override;
+  bool IsDigital(int output) const override { return optOut5Digital[output].Value() == 1; }
 
   Control& lblShiftb;
   Control& txbShiftBamount;
@@ -58,6 +62,11 @@ class frm5 : public Panel5 {
 
  protected:
   const ControlArray& LiveFields() const override { return txbCHact; }
+  const FunctionRows& Rows() const override { return rows; }
+  const ControlArray& OutputFields() const override { return txbOutOut; }
+  const Control* LiveField(const std::string& channel) const override;
+  double ShiftOf(const std::string& channel) const override;
+  double Percent(int output, double shown, const FunctionRows::Input& input) const override;
   void SimulatedPass() override;
   std::optional<std::chrono::milliseconds> SimulatedPeriod() const override;
 
@@ -82,9 +91,6 @@ class frm5 : public Panel5 {
 
   void ChooseFunctionChannel(int function);
   void ChooseShiftChannel();
-
-  double OutputSum(int output) const;
-  std::optional<double> FunctionInput(const std::string& channel) const;
 
   std::array<Labels, kOutputs> outputLabels_;
 };

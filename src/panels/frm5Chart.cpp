@@ -4,6 +4,7 @@
 #include <array>
 
 #include "comm/platform_rule.h"
+#include "panels/alarm_state.h"
 #include "panels/flagged_word.h"
 #include "shell/Common.h"
 
@@ -160,13 +161,8 @@ bool frm5Chart::FormUpdateM() {
     txbCHact[i].SetText(context_.info.RawToText(word, channel, false));
   }
   txbKELActTempAenable.SetText(HasBit(Ram(kState), kTempAlarmEnabled) ? kEnabled : kDisabled);
-  for (int i = 0; i < kLevels; ++i) ShowStatus(i, HasBit(Ram(kAlarms), 1 << i));
+  for (int i = 0; i < kLevels; ++i) ShowAlarm(txbStatus[i], HasBit(Ram(kAlarms), 1 << i));
   return true;
-}
-
-void frm5Chart::ShowStatus(int alarm, bool active) {
-  txbStatus[alarm].SetText(active ? "ALARM" : "OK");
-  txbStatus[alarm].SetBack(active ? colours::kFault : colours::kLive);
 }
 
 std::vector<Panel::LiveValue> frm5Chart::LiveValues() const {
@@ -178,12 +174,7 @@ std::vector<Panel::LiveValue> frm5Chart::LiveValues() const {
 }
 
 std::vector<Panel::Alarm> frm5Chart::Alarms() const {
-  std::vector<Alarm> alarms;
-  for (int i = 0; i < kLevels; ++i) {
-    const auto& caption = lblStatus[i].Text();
-    alarms.push_back({caption.substr(0, caption.size() - 1), txbStatus[i].Text()});
-  }
-  return alarms;
+  return AlarmsOf(lblStatus, txbStatus);
 }
 
 // Taking the form
@@ -259,10 +250,10 @@ void frm5Chart::Simulate() {
   // By the image alone: a simulated pass never asks the line.
   if (PlatformOfPart(static_cast<std::uint8_t>(AsByte(Ram(kPart)))) != 5) return;
   const auto& watched = txbCHact[TWAOnP0() ? 1 : 2];
-  ShowStatus(0, Number(txbKelLevel[0]) <= Number(watched));
-  ShowStatus(1, Number(txbKelLevel[1]) <= Number(txbCHact[1]));
-  ShowStatus(3, Number(txbKelLevel[3]) >= Number(txbCHact[0]));
-  ShowStatus(4, Number(txbKelLevel[4]) <= Number(txbCHact[0]));
+  ShowAlarm(txbStatus[0], Number(txbKelLevel[0]) <= Number(watched));
+  ShowAlarm(txbStatus[1], Number(txbKelLevel[1]) <= Number(txbCHact[1]));
+  ShowAlarm(txbStatus[3], Number(txbKelLevel[3]) >= Number(txbCHact[0]));
+  ShowAlarm(txbStatus[4], Number(txbKelLevel[4]) <= Number(txbCHact[0]));
 }
 
 void frm5Chart::ToggleTempAlarm() {

@@ -56,7 +56,6 @@ class frm5Chart : public Panel5 {
   void UpdateLevel(int level);
   void ReadLevel(int level);
   void ReadUnits();
-  void ShowStatus(int alarm, bool active);
   void ToggleTempAlarm();
   bool TWAOnP0() const { return cbxTWAonP0.Value() == 1; }
   /// Channel through which a level is shown.

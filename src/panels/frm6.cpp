@@ -7,6 +7,7 @@
 #include <exception>
 #include <utility>
 
+#include "panels/display_bytes.h"
 #include "panels/flagged_word.h"
 #include "panels/output_model.h"
 #include "shell/Common.h"
@@ -18,7 +19,6 @@ using std::chrono::milliseconds;
 namespace {
 
 constexpr int kId = 32;
-constexpr int kDisplay = 50;
 constexpr int kInputLevel = 96;
 constexpr int kFunctionBase = 106;
 constexpr int kTriggerLevel = 136;
@@ -38,10 +38,6 @@ constexpr int kFourthOutput = 3;
 constexpr std::int32_t kWholeEeprom = 30;
 constexpr std::int32_t kSelection = 13;
 constexpr std::int32_t kSelectionOfThreeOutputs = 15;
-
-int Nibble(float byte, int index) {
-  return Bits(byte) >> (index % 2 == 0 ? 0 : 4) & 15;
-}
 
 }  // namespace
 
@@ -75,6 +71,7 @@ frm6::frm6(const PanelContext& context)
       jumper(form,
              [this](Control& field) {
                MakeEditable(field, {}, [this] {
+                 if (!ImageIsWhole()) return;
                  Read6v3();
                  FormUpdate();
                });
@@ -93,7 +90,7 @@ platform6::VavFace::Rules frm6::VavRules() {
   return {[this](Control& field, std::function<void()> check) { MakeEditable(field, std::move(check)); },
           [this] { Restore(); },
           [this](bool isMax) { context_.session.PanelCommand = isMax ? vavMax : vavMin; },
-          [this] { ShowProgress("Please wait", true); }};
+          [this] { ShowProgress("Please wait", true); }, [this] { return ImageIsWhole(); }};
 }
 
 void frm6::SetMenus() {
@@ -236,6 +233,10 @@ bool frm6::FormUpdate() {
       vav.Update();
       break;
     case Face::jumper:
+      // Out of reach here, but the table is made of the functions, and a view shows them.
+      for (int i = 0; i < kFunctions; ++i) {
+        rows.UpdateInput(i, InputChannel(i), InputName(i), context_.info);
+      }
       jumper.Update(Ends(), EventPass());
       trigger.triggerLevel.ShowText(Eeprom(kTriggerLevel), Round);
       break;
@@ -252,9 +253,7 @@ bool frm6::FormUpdate() {
 void frm6::UpdateGeneral() {
   txbSN.SetText(context_.info.GetSensorIdentity());
   txbID.SetText(NumberText(Eeprom(kId)));
-  for (int i = 0; i < kDisplays; ++i) {
-    lblDisp[i].SetText(mCHannel[Nibble(Eeprom(kDisplay + i / 2), i)].Text());
-  }
+  ShowDisplays(context_.image, mCHannel, lblDisp);
 }
 
 void frm6::UpdateGeneric() {
@@ -262,10 +261,13 @@ void frm6::UpdateGeneric() {
     outputs.Update(j, OutputRecord(j), rows.FeedsOf(j), trigger.cbxDigTout[j]);
   }
   for (int i = 0; i < kFunctions; ++i) {
-    const int input = Bits(FunctionRecord(i)[0]);
-    rows.Update(i, FunctionRecord(i), InputChannel(i), input < kInputs ? mFchannel[input].Text() : "",
-                context_.info);
+    rows.Update(i, FunctionRecord(i), InputChannel(i), InputName(i), context_.info);
   }
+}
+
+std::string frm6::InputName(int function) {
+  const int input = Bits(FunctionRecord(function)[0]);
+  return input < kInputs ? mFchannel[input].Text() : "";
 }
 
 void frm6::UpdateDigital() {
@@ -390,11 +392,7 @@ void frm6::ReadFace() {
 
 void frm6::ReadGeneral() {
   Eeprom(kId) = ParseNumber(txbID.Text());
-  Eeprom(kDisplay) = Eeprom(kDisplay + 1) = 0;
-  for (int i = 0; i < kDisplays; ++i) {
-    const auto channel = FindCaption(mCHannel, kChannels, lblDisp[i].Text());
-    if (channel) Eeprom(kDisplay + i / 2) += static_cast<float>(*channel * (i % 2 == 0 ? 1 : 16));
-  }
+  ReadDisplays(context_.image, mCHannel, lblDisp);
 }
 
 void frm6::ReadGeneric() {
@@ -426,12 +424,11 @@ void frm6::ReadJumper() {
 }
 
 void frm6::ChooseFunctionChannel(int function) {
-  FormRead();
   auto& label = rows.lblFchannel[function];
-  PopUp(label, mFchannel);
-  const auto input = FindCaption(mFchannel, kInputs, label.Text());
-  if (input) FunctionRecord(function)[0] = static_cast<float>(*input);
-  FormUpdate();
+  Choose(label, mFchannel, [&] {
+    const auto input = FindCaption(mFchannel, kInputs, label.Text());
+    if (input) FunctionRecord(function)[0] = static_cast<float>(*input);
+  });
 }
 
 FunctionClass frm6::ClassOf(int function) const {
@@ -451,24 +448,20 @@ bool frm6::RunAction(int command) {
 
 bool frm6::ActionSensorRead() {
   ShowProgress("Reading from sensor", false);
-  if (!ReadAfresh(kWholeEeprom, true)) return false;
+  if (!ReadAfresh([this] { return ReadWhole(kWholeEeprom, true); })) return false;
   if (!FormUpdateInit() || !FormUpdate() || !FormUpdateM()) return false;
   vav.lblV1Note.SetVisible(false);
   return true;
 }
 
 bool frm6::ActionSensorWrite() {
-  if (!FormRead()) return false;
-  ShowProgress("Sending to sensor", false);
-  if (!context_.com.WriteSensorMemory(kWholeEeprom, 0, 0, true, true, false, true, true, false)) return false;
+  if (!SendEeprom()) return false;
   vav.lblV1Note.SetVisible(false);
   return true;
 }
 
 bool frm6::ActionSettingsLoad() {
-  const auto name = AskForFile(UserInterface::FileUse::open, "Loading settings");
-  if (!name) return true;
-  return FormRead() && context_.file.LoadSettings(*name, 0) && FormUpdateInit() && FormUpdate();
+  return LoadEeprom();
 }
 
 bool frm6::ActionSettingsSave() {
@@ -480,12 +473,9 @@ bool frm6::ActionSettingsSave() {
     context_.session.Fail("Cant save settings from this sensor");
     return false;
   }
-  context_.com.SelectBlock(variant == kThreeOutputs ? kSelectionOfThreeOutputs : kSelection);
   static constexpr std::array kBlocks{snsFil::BlockWrite{snsFil::selection, true},
                                       snsFil::BlockWrite{snsFil::eeprom, false}};
-  if (context_.file.SaveBlocks(*name, 1, kBlocks)) return true;
-  context_.session.Fail("Can't save settings.");
-  return false;
+  return SaveSelected(*name, variant == kThreeOutputs ? kSelectionOfThreeOutputs : kSelection, kBlocks);
 }
 
 bool frm6::ActionTWAReset() {
@@ -506,8 +496,7 @@ bool frm6::ActionVAV(bool isMax) {
 }
 
 bool frm6::CalibrateSpan(const std::string& text) {
-  const float raw = context_.info.TextToRaw(text, kGasChannel, false);
-  return context_.cal.CalibrateCO2Span(kGasChannel, NumberText(raw), false);
+  return CalibrateSpanOf(kGasChannel, text);
 }
 
 // The offline model
@@ -538,38 +527,30 @@ std::optional<milliseconds> frm6::SimulatedPeriod() const {
 }
 
 void frm6::Simulate() {
-  if (FaceNow() != Face::generic) return;
-  std::array<double, platform6::OutputRows::kOutputs> results{};
-  try {
-    for (std::size_t j = 0; j < results.size(); ++j) {
-      const int output = static_cast<int>(j);
-      results.at(j) = KeptOutputOf(OutputSum(output), outputs.IsDigital(output),
-                                   ParseNumber(outputs.txbOutOut[output].Text()));
-    }
-  } catch (const NoResult&) {
-    return;
-  }
-  for (std::size_t j = 0; j < results.size(); ++j) {
-    outputs.txbOutOut[static_cast<int>(j)].SetText(NumberText(static_cast<float>(Round(results.at(j)))));
-  }
+  if (FaceNow() == Face::generic) ShowOutputs();
 }
 
-double frm6::OutputSum(int output) const {
-  double sum = rows.Sum(output, ParseNumber(outputs.txbOutBaseLine[output].Text()),
-                        [this](const std::string& channel) { return FunctionInput(channel); });
+int frm6::Outputs() const {
+  return static_cast<int>(
+      std::count_if(pctOut.begin(), pctOut.end(), [](const Control* output) { return output->Visible(); }));
+}
+
+double frm6::Percent(int output, double shown, const FunctionRows::Input& input) const {
+  double sum = rows.Sum(output, ParseNumber(outputs.txbOutBaseLine[output].Text()), input);
   if (trigger.Feeds(output) && trigger.Active()) sum += ParseNumber(trigger.txbDigTlevel.Text());
   sum = LimitSum(sum);
   if (outputs.cbxDigout[output].Value() == 1 && cbxDigActive.Value() == 1) {
     sum = LimitSum(sum + ParseNumber(txbDigLevel.Text()));
   }
-  return outputs.cbxOut6Invert[output].Value() == 1 ? std::abs(sum) : sum;
+  if (outputs.cbxOut6Invert[output].Value() == 1) sum = std::abs(sum);
+  return KeptOutputOf(sum, IsDigital(output), shown);
 }
 
-std::optional<double> frm6::FunctionInput(const std::string& channel) const {
+const Control* frm6::LiveField(const std::string& channel) const {
   for (int c = 0; c < kLiveValues; ++c) {
-    if (pctChannel[c].Visible() && lblCH_Name[c].Text() == channel) return ParseNumber(txbCHact[c].Text());
+    if (pctChannel[c].Visible() && lblCH_Name[c].Text() == channel) return &txbCHact[c];
   }
-  return {};
+  return nullptr;
 }
 
 }  // namespace brelant

@@ -10,6 +10,7 @@
 
 #include "panels/DigitalTrigger.h"
 #include "panels/FunctionRows.h"
+#include "panels/OutputStage.h"
 #include "panels/PanelFrame.h"
 #include "panels/platform6/JumperFace.h"
 #include "panels/platform6/OutputRows.h"
@@ -20,7 +21,7 @@ namespace brelant {
 
 /// The panel of platform 6 transmitters, with a face for each kind of product variant. All settings live in
 /// EepromImage (docs/memory-maps.md, Platform 6).
-class frm6 : public PanelFrame {
+class frm6 : public PanelFrame, public OutputStage {
  public:
   static constexpr int kLiveValues = 7;
   static constexpr int kFunctions = 6;
@@ -47,6 +48,10 @@ class frm6 : public PanelFrame {
   void SimMode(bool on) override;
   void Simulate() override;
   std::vector<LiveValue> LiveValues() const override;
+  /// Those of the generic face; the others have no model.
+  int Outputs() const override;
+  std::string NameOf(int output) const override { return outputs.lblOutName[output].Text(); }
+  bool IsDigital(int output) const override { return outputs.IsDigital(output); }
 
   Control& txbSN;
   Control& txbID;
@@ -80,6 +85,10 @@ class frm6 : public PanelFrame {
 
  protected:
   const ControlArray& LiveFields() const override { return txbCHact; }
+  const FunctionRows& Rows() const override { return rows; }
+  const ControlArray& OutputFields() const override { return outputs.txbOutOut; }
+  const Control* LiveField(const std::string& channel) const override;
+  double Percent(int output, double shown, const FunctionRows::Input& input) const override;
   bool RunAction(int command) override;
   bool CalibrateSpan(const std::string& text) override;
   void SimulatedPass() override;
@@ -104,6 +113,7 @@ class frm6 : public PanelFrame {
   std::span<float> OutputRecord(int output);
   float InputChannel(int function);
   FunctionClass ClassOf(int function) const;
+  std::string InputName(int function);
   platform6::FunctionEnds Ends();
   platform6::Pass EventPass();
 
@@ -115,9 +125,6 @@ class frm6 : public PanelFrame {
   void ReadGeneric();
   void ReadJumper();
   void ChooseFunctionChannel(int function);
-
-  double OutputSum(int output) const;
-  std::optional<double> FunctionInput(const std::string& channel) const;
 
   SignedLevel inputLevel_;
   float variant_ = 0;

@@ -7,7 +7,9 @@
 #include <QString>
 #include <QWidget>
 #include <optional>
+#include <vector>
 
+class QAbstractSeries;
 class QChart;
 class QChartView;
 class QGraphicsRectItem;
@@ -18,7 +20,7 @@ class QValueAxis;
 
 namespace brelant {
 
-/// Draws a response before and after a change, and the point that was measured. Knows no form.
+/// Draws curves, and one point with a note beside it. Knows no form.
 class CurvePlot : public QWidget {
  public:
   struct Colours {
@@ -26,19 +28,34 @@ class CurvePlot : public QWidget {
     QColor area;
     QColor grid;
     QColor text;
-    QColor before;
-    QColor after;
-    QColor measured;
+    QColor point;
   };
-  /// x is the signal, y the value, in the units that the titles name.
+  struct Curve {
+    QString name;
+    QColor colour;
+    /// What is looked for, rather than what it is compared with.
+    bool strong;
+    bool dashed;
+    QList<QPointF> points;
+  };
+  struct Range {
+    double least;
+    double greatest;
+  };
+  struct Axis {
+    QString title;
+    /// Nothing: as the points need it.
+    std::optional<Range> range;
+  };
+  /// x and y are in the units that the titles name. Curves that come later lie above; what has no point is
+  /// not in the legend either.
   struct Curves {
-    QString signalTitle;
-    QString valueTitle;
-    QList<QPointF> before;
-    QList<QPointF> after;
-    std::optional<QPointF> measured;
-    /// What stands beside the measured point.
-    QString measuredNote;
+    Axis x;
+    Axis y;
+    std::vector<Curve> curves;
+    std::optional<QPointF> point;
+    QString pointName;
+    QString note;
   };
 
   CurvePlot(const Colours& colours, QWidget* parent);
@@ -46,21 +63,24 @@ class CurvePlot : public QWidget {
   void Draw(const Curves& curves);
 
  private:
+  QLineSeries& AddSeries();
+  void Attach(QAbstractSeries& series);
+  void AddPoint();
   void AddAxis(QValueAxis& axis, Qt::Alignment side);
   void AddNote();
-  void DressSeries();
-  void Scale(const Curves& curves);
+  void DressLegend();
+  void DrawCurves(const std::vector<Curve>& curves);
   void PlaceNote();
+  int CountPointsIn(const QRectF& place) const;
 
   Colours colours_;
   // All belong to the view.
   QChartView* view_;
   QChart* chart_;
-  QValueAxis* signals_;
-  QValueAxis* values_;
-  QLineSeries* before_;
-  QLineSeries* after_;
-  QScatterSeries* measured_;
+  QValueAxis* x_;
+  QValueAxis* y_;
+  std::vector<QLineSeries*> series_;
+  QScatterSeries* point_;
   QGraphicsRectItem* note_;
   QGraphicsSimpleTextItem* noteText_;
 };

@@ -36,6 +36,8 @@ class Panel {
   /// Takes every settings field into the images.
   virtual bool FormRead() = 0;
   virtual void SimMode(bool on) = 0;
+  /// Undoes a read of all settings that is under way: what was read so far is not to be saved.
+  virtual void GiveImageBack() {}
   /// Runs the panel until its session is over. A second call while it runs only hides the progress box.
   virtual void PanelLoop() = 0;
 

@@ -120,7 +120,7 @@ TEST_F(SensorTest, IdentifyTellsWhatIsAttached) {
 }
 
 TEST_F(SensorTest, IdentifyNeedsNoPanel) {
-  StartSensor({"--part", "33"});
+  StartSensor({"--part", "33", "--variant", "3"});
   const auto outcome = Run(OnPort({"identify"}));
   EXPECT_EQ(outcome.status, 0) << outcome.error;
   EXPECT_THAT(outcome.out, AllOf(HasSubstr("part        33\n"), HasSubstr("platform    7\n"),

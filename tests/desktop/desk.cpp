@@ -16,15 +16,18 @@ namespace {
 
 constexpr const char* kAppDir = "C:\\KVX";
 
+const char* PanelOf(int platform, int variant) {
+  if (platform == 5) return variant == 0 ? "frm5" : "frm5Chart";
+  return platform == 6 ? "frm6" : "frm61";
+}
+
 }  // namespace
 
 Desk::Desk(int part, int variant)
     : port(clock, pump, bench::SensorSetup{.part = part, .variant = variant}),
       program(TheMachine(), kAppDir),
       desktop(program, pump, ui),
-      panel_(port.sensor.Platform() == 6 ? "frm6"
-             : variant == 0              ? "frm5"
-                                         : "frm5Chart") {
+      panel_(PanelOf(port.sensor.Platform(), variant)) {
   if (port.sensor.Platform() == 5) {
     const auto name = std::to_string(part);
     PutFile("DEF00" + name + ".PDT");

@@ -9,6 +9,7 @@
 
 #include "desktop/Appearance.h"
 #include "panel_fixture.h"
+#include "seen_whole.h"
 
 namespace brelant::test {
 namespace {
@@ -393,6 +394,67 @@ TEST_F(Panel6Test, TheCornersOfTheJumperTableAreDrawnAndMirrored) {
   desk->Run();
 }
 
+class ChainTest : public Panel6Test {
+ protected:
+  void Start() {
+    Panel6Test::Start(jumper);
+    // Functions 1 to 3 on CO2 from -1000 to 1000, 4 to 6 from 30 to 130, on RH 1 in tenths but the last one.
+    for (std::size_t i = 0; i < 3; ++i) Put(106 + 5 * i, {9, 128 + 15, 160, 128 + 23, 112});
+    for (std::size_t i = 3; i < 6; ++i) Put(106 + 5 * i, {4, 128 + 20, 180, 128 + 24, 156});
+    Put(131, {9, 128 + 19, 166, 128 + 20, 10});
+  }
+  std::vector<std::string> Shown(int function) const {
+    std::vector<std::string> texts;
+    for (const auto* label : Widget(QString("function(%1)").arg(function)).findChildren<QLabel*>()) {
+      EXPECT_TRUE(label->isVisible());
+      texts.push_back(label->text().toStdString());
+    }
+    return texts;
+  }
+};
+
+TEST_F(ChainTest, ShowsTheEndsOfTheFunctionsThatTheCornersWereTurnedInto) {
+  Start();
+  using Texts = std::vector<std::string>;
+  // A search lets events run, so that an edit takes more than a step.
+  const auto expect = [this](int function, const Texts& texts) {
+    desk->When([this, function, texts] { return Shown(function) == texts; }, [] {});
+  };
+  OnPanel([] {});
+  expect(0, {"1", "CO2", "a", "-1000", "b", "1000", "ppm"});
+  // Percent of function 1, on which they stand.
+  expect(5, {"6", "on function 1", "a", "30", "b", "130", "%"});
+  Edit("txb6v3G1", "250");
+  expect(2, {"3", "CO2", "a", "150", "b", "250", "ppm"});
+  Edit("txb6v3C", "2000");
+  expect(0, {"1", "CO2", "a", "-2000", "b", "2000", "ppm"});
+  desk->Run();
+  EXPECT_EQ(desk->StepsLeft(), 0U);
+}
+
+TEST_F(ChainTest, AnArrowLeadsFromTheFirstFunctionToThoseThatStandOnIt) {
+  Start();
+  OnPanel([this] {
+    const auto picture = FindWindow("frm6")->grab().toImage();
+    const auto wire = InkOf(QApplication::palette()).wire;
+    const auto middle = [this](int function) {
+      const QString name = QString("function(%1)").arg(function);
+      return QPoint(Left(name) + Widget(name).width() / 2, Top(name));
+    };
+    const int bottom = Top("function(0)") + Widget("function(0)").height();
+    const auto isWire = [&](int x, int y) { return picture.pixelColor(x, y) == wire; };
+    // One wire comes out below, and above each of the three there is an arrow.
+    EXPECT_TRUE(isWire(middle(0).x(), bottom + 2));
+    for (const int function : {1, 2}) EXPECT_FALSE(isWire(middle(function).x(), bottom + 2)) << function;
+    for (const int function : {3, 4, 5}) {
+      const auto tip = middle(function);
+      EXPECT_TRUE(isWire(tip.x(), tip.y() - 4)) << function;
+      EXPECT_TRUE(isWire(tip.x() + 2, tip.y() - 6)) << function;
+    }
+  });
+  desk->Run();
+}
+
 TEST_F(Panel6Test, SequentialControlHasItsRangesAndOutputs) {
   Start(sequential);
   // Least ventilation 20: 220 / 400 of 256 is 140.8, so 141.
@@ -475,6 +537,32 @@ TEST_F(Panel6Test, EveryFaceIsSpokenAndFitsASmallLaptop) {
       ExpectFitsASmallLaptop("frm6");
     });
     desk->Run();
+  }
+}
+
+TEST_F(Panel6Test, APhotographOfEveryFaceShowsAllOfIt) {
+  struct Face {
+    int variant;
+    int part;
+    /// A few of the controls that must be on it.
+    std::vector<const char*> controls;
+  };
+  for (const auto& [variant, part, controls] :
+       {Face{generic, kPart, {"txbFa(5)", "txbOutOut(3)", "txbDigLevel", "transfer(3)"}},
+        Face{generic, 223, {"txbFa(5)", "txbOutOut(3)", "transfer(0)"}},
+        Face{threeOutputs, kPart, {"txbFb(0)", "txbOutOut(2)"}},
+        Face{vav, 222, {"txbUseMax", "txbUseMin", "Command6", "txbSetPV1CO2"}},
+        Face{vav, 223, {"txbUseMax", "txbOutV1Out"}},
+        Face{jumper, kPart, {"txb6v3A1", "txb6v3K", "txb6v3AN(2)", "function(5)"}},
+        Face{sequential, kPart, {"txbV4MinVent", "txbV4Out2Out"}}, Face{compact, 221, {"txbCHact(3)"}}}) {
+    SCOPED_TRACE("variant " + std::to_string(variant) + " of " + std::to_string(part));
+    Start(variant, part);
+    AfterPoll([this, &controls = controls] {
+      for (const char* name : controls) EXPECT_TRUE(IsSeen(name)) << name;
+      ExpectSeenWhole(*FindWindow("frm6"));
+    });
+    desk->Run();
+    EXPECT_EQ(desk->StepsLeft(), 0U);
   }
 }
 

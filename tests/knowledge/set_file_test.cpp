@@ -56,6 +56,45 @@ TEST_F(SetFileTest, TheBlockOfPlatforms6And61GoesIntoEepromAndTellsThePart) {
   EXPECT_EQ(info.GetPlatform(), 6);
 }
 
+TEST_F(SetFileTest, TheSecondBlockOfPlatform7GoesIntoTheUpperHalfOfEeprom) {
+  auto lower = Rising(512);
+  lower[164] = 50;
+  const auto upper = Rising(512, 3);
+  Store(SetFile({{11, upper}, {10, lower}}));
+  // It is not what a reader of "the" block means.
+  EXPECT_TRUE(Read(0));
+  EXPECT_EQ(found, 10);
+  EXPECT_FALSE(image.EepromValid[512]);
+  EXPECT_TRUE(Read(11, false));
+  EXPECT_EQ(image.SetBuffer[0], 3);
+  EXPECT_FALSE(image.EepromValid[512]);
+  EXPECT_TRUE(Read(11));
+  for (std::size_t i = 0; i < 512; ++i) {
+    EXPECT_EQ(image.EepromImage[i], lower[i]);
+    EXPECT_EQ(image.EepromImage[512 + i], upper[i]);
+    EXPECT_TRUE(image.EepromValid[512 + i]);
+  }
+  EXPECT_FALSE(image.EepromValid[1024]);
+  EXPECT_EQ(image.RamImage[65], 50);
+  EXPECT_EQ(info.GetPlatform(), 7);
+}
+
+TEST_F(SetFileTest, AFileWithoutTheSecondBlockIsASetfileErrorToItsReader) {
+  Store(SetFile({{10, Rising(512)}, {15, Bytes(542)}}));
+  EXPECT_FALSE(Read(11));
+  EXPECT_EQ(session.LastError, "Setfile error");
+  EXPECT_FALSE(image.EepromValid[512]);
+}
+
+TEST_F(SetFileTest, TheUpperHalfOfEepromIsWrittenAsABlockOfItsOwn) {
+  for (std::size_t i = 0; i < 1024; ++i) image.EepromImage[i] = static_cast<float>(i / 512 + i % 200);
+  Bytes upper;
+  for (std::size_t i = 512; i < 1024; ++i) upper.push_back(static_cast<std::uint8_t>(1 + i % 200));
+  std::uint8_t block = 11;
+  EXPECT_TRUE(file.SaveSettings(block, kName, 1, false, false));
+  EXPECT_EQ(bus.files.Get(kName), SetFile({{11, upper}}));
+}
+
 TEST_F(SetFileTest, ASelectionGoesIntoTheRequest) {
   Bytes payload(542);
   payload[29] = 9;

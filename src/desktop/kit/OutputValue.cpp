@@ -23,9 +23,11 @@ OutputValue::OutputValue(Views& views, Control& value, const Face& face, SpokenN
     : QWidget(parent) {
   auto& layout = LayOut<QVBoxLayout>(*this, kSpacing);
   ScaleFont(*face.title, kTitleSize, QFont::DemiBold);
-  if (!face.beside) layout.addWidget(face.title);
-  auto& row = AddRow(layout, kSpacing);
-  if (face.beside) row.addWidget(face.title);
+  auto& titles = AddRow(layout, kSpacing);
+  titles.addWidget(face.title);
+  if (!face.beside) titles.addStretch();
+  if (face.button != nullptr) titles.addWidget(face.button);
+  auto& row = face.beside ? titles : AddRow(layout, kSpacing);
   auto& number = Make<QLineEdit>(*this);
   ScaleFont(number, face.size, QFont::DemiBold);
   number.setFrame(false);

@@ -22,6 +22,8 @@ class OutputValue : public QWidget {
     double size;
     /// Place of the output whose colour the bar has; nothing: there is no bar.
     std::optional<std::size_t> place;
+    /// Stands beside the title; nullptr: there is none. Becomes part of this.
+    QWidget* button = nullptr;
   };
 
   OutputValue(Views& views, Control& value, const Face& face, SpokenName name, QWidget* parent);

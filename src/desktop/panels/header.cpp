@@ -16,6 +16,7 @@ namespace brelant {
 namespace {
 
 constexpr int kSpacing = 10;
+constexpr int kDisplays = 4;
 
 /// A field that is only read, as a text on the ground that can be copied.
 void AddFact(Views& views, const QString& caption, Control& control, int digits, QBoxLayout& layout) {
@@ -62,6 +63,14 @@ void AddCommands(Views& views, Panel& panel, QBoxLayout& layout) {
 }
 
 }  // namespace
+
+Displays FourDisplays(const Views& views) {
+  Displays displays;
+  for (int i = 0; i < kDisplays; ++i) {
+    displays.emplace_back(&views("lblDisp", i), QString("Display %1").arg(i + 1));
+  }
+  return displays;
+}
 
 QBoxLayout& LayOutPanel(Views& views, Panel& panel, const Displays& displays, QWidget& ground) {
   auto& layout = LayOut<QVBoxLayout>(ground, kSpacing);

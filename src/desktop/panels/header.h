@@ -13,6 +13,9 @@ namespace brelant {
 /// What the display of the sensor shows, a choice each, and how the choice is called.
 using Displays = std::vector<std::pair<Control*, QString>>;
 
+/// The four of a sensor whose display shows four channels.
+Displays FourDisplays(const Views& views);
+
 /// Lays out the ground of a panel, and puts the row on top of it: what the sensor is, the mode, and the
 /// commands.
 QBoxLayout& LayOutPanel(Views& views, Panel& panel, const Displays& displays, QWidget& ground);

@@ -10,6 +10,7 @@
 #include "desktop/kit/bind.h"
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
+#include "desktop/kit/plot.h"
 #include "desktop/kit/text.h"
 #include "shell/Common.h"
 
@@ -21,13 +22,9 @@ constexpr double kTitleSize = 1.5;
 constexpr double kMeasuredSize = 1.3;
 constexpr int kPlotWidth = 72;
 constexpr int kPlotHeight = 48;
-
-CurvePlot::Colours ColoursOf(const QPalette& palette) {
-  const auto ink = InkOf(palette);
-  const auto at = [&](QPalette::ColorRole role) { return palette.color(QPalette::Active, role); };
-  return {at(QPalette::Window), at(QPalette::Base), ink.faint, at(QPalette::WindowText), ink.wire,
-          ink.output[0],        ink.output[1]};
-}
+/// Places of the outputs whose colours are used.
+constexpr std::size_t kAfterPlace = 0;
+constexpr std::size_t kPointPlace = 1;
 
 /// No text, no point.
 std::optional<QPointF> PointOf(const Control& signal, const Control& value) {
@@ -73,7 +70,8 @@ void CalCurveWindow::AddMeasured(QBoxLayout& layout) {
 }
 
 void CalCurveWindow::AddPlot(QBoxLayout& layout) {
-  auto& plot = Make<CurvePlot>(*this, ColoursOf(QApplication::palette()));
+  const auto palette = QApplication::palette();
+  auto& plot = Make<CurvePlot>(*this, PlotColours(palette, InkOf(palette).output[kPointPlace]));
   plot.setMinimumSize(Digits(plot, kPlotWidth), Digits(plot, kPlotHeight));
   plot.setAccessibleName("Response before and after the calibration; the table holds its numbers");
   layout.addWidget(&plot, 1);
@@ -124,12 +122,15 @@ void CalCurveWindow::AddClose(QBoxLayout& layout) {
 
 CurvePlot::Curves CalCurveWindow::Curves() const {
   const auto& value = curve_.lblMeasuredValue;
+  const auto ink = InkOf(QApplication::palette());
   return {
-      TextOf(curve_.lblSignal),
-      TextOf(curve_.lblChannel),
-      PointsOf(curve_.lblBeforeSignal, curve_.lblBeforeValue),
-      PointsOf(curve_.lblAfterSignal, curve_.lblAfterValue),
+      {TextOf(curve_.lblSignal), {}},
+      {TextOf(curve_.lblChannel), {}},
+      {{"Before", ink.wire, false, false, PointsOf(curve_.lblBeforeSignal, curve_.lblBeforeValue)},
+       {"After", ink.output[kAfterPlace], true, false,
+        PointsOf(curve_.lblAfterSignal, curve_.lblAfterValue)}},
       PointOf(curve_.lblMeasuredSignal, value),
+      "Measured",
       TextOf(value) + " at " + TextOf(curve_.lblSignal).toLower() + " " + TextOf(curve_.lblMeasuredSignal)};
 }
 

@@ -58,6 +58,7 @@ void JumperFace::SetVisible(bool visible) {
 }
 
 void JumperFace::Update(const FunctionEnds& ends, const Pass& pass) {
+  ends_ = ends;
   const auto corners = CornersOf(ends, jumperOffset_, pass);
   Show(txb6v3A1, corners.A);
   Show(txb6v3A2, corners.A);

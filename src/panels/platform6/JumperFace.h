@@ -18,6 +18,8 @@ class JumperFace {
   /// Shows the corner points that the functions make. A point whose search ends without a number keeps its
   /// text.
   void Update(const FunctionEnds& ends, const Pass& pass);
+  /// The functions of the last update.
+  const FunctionEnds& Ends() const { return ends_; }
   /// The functions that make the corner points that are shown. Throws NoResult.
   FunctionEnds Read(const Pass& pass);
   /// Live values of channels 0, 1 and 9.
@@ -41,6 +43,7 @@ class JumperFace {
  private:
   ControlArray Fields() const;
 
+  FunctionEnds ends_;
   float jumperOffset_ = 0;
 };
 

@@ -223,6 +223,7 @@ void VavFace::LimitLeft(Control& field, bool isMax) {
   if (field.Back() == colours::kFieldBack) return;
   field.SetBack(colours::kFieldBack);
   field.SetFore(colours::kFieldText);
+  if (!rules_.mayChange()) return;
   rules_.busy();
   if (Number(field) > kFull) field.SetText("100");
   if (Number(field) < 0) field.SetText("0");
@@ -231,6 +232,7 @@ void VavFace::LimitLeft(Control& field, bool isMax) {
 
 /// The buttons take the byte of one part number on both.
 void VavFace::StepUp(Control& field, bool isMax) {
+  if (!rules_.mayChange()) return;
   rules_.busy();
   ShowBaseLineOf(field, Number(field) + 1, kButtonByte);
   if (Number(field) > kFull) field.SetText("100");
@@ -239,6 +241,7 @@ void VavFace::StepUp(Control& field, bool isMax) {
 
 /// The grain is coarser than 1: on until the byte has moved.
 void VavFace::StepDown(Control& field, bool isMax) {
+  if (!rules_.mayChange()) return;
   rules_.busy();
   const auto old = field.Text();
   ShowBaseLineOf(field, Number(field) - 1, kButtonByte);

@@ -21,6 +21,8 @@ class VavFace {
     std::function<void(bool isMax)> limitChanged;
     /// A button moves a limit: the user is to wait.
     std::function<void()> busy;
+    /// False while no limit can be taken.
+    std::function<bool()> mayChange;
   };
   /// Bytes of a limit that were put into the image, to be written as one piece.
   struct Write {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "desktop/Appearance.h"
+#include "desktop/kit/arrow.h"
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
@@ -26,7 +27,6 @@ constexpr int kTileDigits = 28;
 constexpr double kWire = 2;
 constexpr double kBus = 3;
 constexpr double kHalo = 4;
-constexpr double kArrow = 7;
 
 QLabel& AddHeading(const QString& text, QWidget& parent, QBoxLayout& layout) {
   auto& heading = AddCaption(text, parent, layout);
@@ -40,12 +40,8 @@ QVBoxLayout& AddColumn(QWidget& parent, QBoxLayout& layout) {
   return LayOut<QVBoxLayout>(column, kSpacing);
 }
 
-/// An arrow head whose tip is there, pointing right.
 QPainterPath ArrowAt(double x, double y) {
-  QPainterPath head(QPointF(x, y));
-  head.lineTo(x - kArrow, y - kArrow * 0.6);
-  head.lineTo(x - kArrow, y + kArrow * 0.6);
-  return head;
+  return ArrowHead({x, y}, {1, 0});
 }
 
 /// Lines that cross others without touching them: a rim of the ground's colour sets them apart.
@@ -123,7 +119,7 @@ void FlowBoard::AddOutputs(QBoxLayout& layout) {
   layout.setSpacing(Spacing());
   AddHeading("Outputs", column, layout);
   for (std::size_t j = 0; j < plan_.outputs.size(); ++j) {
-    outputs_.push_back(&Make<OutputBlock>(column, views_, plan_.outputs[j], j, plan_.dense));
+    outputs_.push_back(&Make<OutputBlock>(column, views_, plan_.outputs[j], j, plan_.transfer, plan_.dense));
     layout.addWidget(outputs_.back());
   }
 }

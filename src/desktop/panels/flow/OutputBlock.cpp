@@ -11,6 +11,7 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
+#include "desktop/panels/flow/TransferButton.h"
 
 namespace brelant::flow {
 
@@ -34,11 +35,12 @@ QAbstractButton& MakeKind(const Control& control, QWidget& parent) {
 
 }  // namespace
 
-OutputBlock::OutputBlock(Views& views, const OutputPlan& plan, std::size_t place, bool dense, QWidget* parent)
-    : Card(parent), place_(place) {
+OutputBlock::OutputBlock(Views& views, const OutputPlan& plan, std::size_t output, const Transfer* transfer,
+                         bool dense, QWidget* parent)
+    : Card(parent), place_(output) {
   auto& layout = LayOut<QVBoxLayout>(*this, dense ? kSpacing / 2 : kSpacing);
   layout.setContentsMargins(12 + kEdge, dense ? 4 : 8, 12, dense ? 6 : 10);
-  AddValue(views, plan, dense, layout);
+  AddValue(views, plan, transfer, dense, layout);
   layout.addStretch();
   AddKinds(views, plan, layout);
   if (dense) {
@@ -52,9 +54,14 @@ OutputBlock::OutputBlock(Views& views, const OutputPlan& plan, std::size_t place
   views.OnRefresh([this, presence = plan.presence] { SetShown(*this, presence->Visible()); });
 }
 
-void OutputBlock::AddValue(Views& views, const OutputPlan& plan, bool dense, QBoxLayout& layout) {
+void OutputBlock::AddValue(Views& views, const OutputPlan& plan, const Transfer* transfer, bool dense,
+                           QBoxLayout& layout) {
   auto& title = MakeCaption(views, {plan.name, QString("Out %1").arg(place_ + 1)}, *this);
-  const OutputValue::Face face{&title, dense, dense ? kDenseNumberSize : kNumberSize, place_};
+  OutputValue::Face face{&title, dense, dense ? kDenseNumberSize : kNumberSize, place_};
+  if (transfer != nullptr) {
+    face.button =
+        &Make<TransferButton>(*this, views, *transfer, static_cast<int>(place_), [this] { return place_; });
+  }
   value_ = &Make<OutputValue>(*this, views, *plan.value, face, [this] { return Spoken("%"); });
   layout.addWidget(value_);
 }

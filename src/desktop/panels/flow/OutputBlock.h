@@ -7,13 +7,16 @@
 #include "desktop/kit/OutputValue.h"
 #include "desktop/kit/Views.h"
 #include "desktop/panels/flow/plan.h"
+#include "panels/Transfer.h"
 
 namespace brelant::flow {
 
 /// One output: what it puts out now, large, and how.
 class OutputBlock : public Card {
  public:
-  OutputBlock(Views& views, const OutputPlan& plan, std::size_t place, bool dense, QWidget* parent);
+  /// It stands in the place of its number at first. `transfer`: nullptr if nobody tells.
+  OutputBlock(Views& views, const OutputPlan& plan, std::size_t output, const Transfer* transfer, bool dense,
+              QWidget* parent);
 
   /// It stands in that place now, and has its colour.
   void SetPlace(std::size_t place);
@@ -22,7 +25,8 @@ class OutputBlock : public Card {
   void paintEvent(QPaintEvent* event) override;
 
  private:
-  void AddValue(Views& views, const OutputPlan& plan, bool dense, QBoxLayout& layout);
+  void AddValue(Views& views, const OutputPlan& plan, const Transfer* transfer, bool dense,
+                QBoxLayout& layout);
   void AddKinds(Views& views, const OutputPlan& plan, QBoxLayout& layout);
   void AddSetting(Views& views, const OutputPlan::Setting& setting, int digits,
                   const std::function<void(QWidget&)>& place);

@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+#include "panels/Transfer.h"
 #include "shell/form.h"
 
 namespace brelant::flow {
@@ -49,6 +50,8 @@ struct BoardPlan {
   std::function<void(QBoxLayout&)> belowInputs;
   /// Lower rows and smaller numbers, so that many of them fit on a small screen.
   bool dense;
+  /// What the outputs do with their inputs, to be shown as plots; nullptr: nobody tells.
+  const Transfer* transfer = nullptr;
 };
 
 /// The output that stands in each place, from the first one on.

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QGridLayout>
-
-#include "desktop/kit/Card.h"
-#include "desktop/kit/Views.h"
+#include "desktop/panels/alarms/AlarmGrid.h"
 
 namespace brelant::platform5 {
 
-/// The alarms of the sensor, one a row: what it is, its state, its level and whether it drives its relay.
-class AlarmTable : public Card {
+/// The alarms of the sensor, and whether each drives its relay.
+class AlarmTable : public alarms::AlarmGrid {
  public:
   AlarmTable(Views& views, QWidget* parent);
 
  private:
-  void AddAlarm(Views& views, int index, QGridLayout& grid);
-  void AddLevel(Views& views, int index, const Control& caption, QGridLayout& grid);
+  void AddRelay(Views& views, int index);
 };
 
 }  // namespace brelant::platform5

@@ -70,7 +70,7 @@ flow::BoardPlan PlanOf(Views& views, const Panel& panel) {
   return {kInputs,    UnitOfLastChannel(views, panel),
           kFunctions, {OutputOf(views, 0), OutputOf(views, 1)},
           {trigger},  [&views](QBoxLayout& layout) { AddShift(views, layout); },
-          false};
+          false,      dynamic_cast<const Transfer*>(&panel)};
 }
 
 }  // namespace

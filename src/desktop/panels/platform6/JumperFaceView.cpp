@@ -11,6 +11,7 @@
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
+#include "desktop/panels/platform6/ChainView.h"
 #include "desktop/panels/platform6/set_up.h"
 #include "shell/Common.h"
 
@@ -76,7 +77,7 @@ class CornerDrawing : public QWidget {
   };
 
   CornerDrawing(Views& views, const Face& face, QWidget* parent) : QWidget(parent), face_(face) {
-    setMinimumHeight(fontMetrics().height() * 7);
+    setMinimumHeight(fontMetrics().height() * 10);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     views.OnRefresh([this] { update(); });
   }
@@ -169,11 +170,14 @@ class CornerDrawing : public QWidget {
 
 }  // namespace
 
-JumperFaceView::JumperFaceView(Views& views, QWidget* parent) : QWidget(parent) {
-  auto& layout = LayOut<QHBoxLayout>(*this, kSpacing);
+JumperFaceView::JumperFaceView(Views& views, const JumperFace& jumper, QWidget* parent) : QWidget(parent) {
+  auto& column = LayOut<QVBoxLayout>(*this, kSpacing);
+  auto& layout = AddRow(column, kSpacing);
+  column.setStretchFactor(&layout, 1);
   AddOutput(views, 0, {'A', 'B', 'C'}, layout);
   AddOutput(views, 1, {'D', 'E', 'F'}, layout);
   AddOutput(views, 2, {'G', 'I', 'K'}, layout);
+  column.addWidget(&Make<ChainView>(*this, views, jumper));
 }
 
 void JumperFaceView::AddOutput(Views& views, int index, const Corners& corners, QBoxLayout& layout) {

@@ -7,13 +7,15 @@
 #include <array>
 
 #include "desktop/kit/Views.h"
+#include "panels/platform6/JumperFace.h"
 
 namespace brelant::platform6 {
 
-/// The face of the jumper table: an output beside the other, each with a drawing of its corner points.
+/// The face of the jumper table: an output beside the other, each with a drawing of its corner points, and
+/// below them the functions that these were turned into.
 class JumperFaceView : public QWidget {
  public:
-  JumperFaceView(Views& views, QWidget* parent);
+  JumperFaceView(Views& views, const JumperFace& jumper, QWidget* parent);
 
  private:
   /// Last letters of the fields: the first one stands in two of them, beside each of the others.

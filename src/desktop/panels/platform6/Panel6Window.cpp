@@ -17,14 +17,6 @@ namespace {
 
 constexpr int kOutputs = platform6::OutputRows::kOutputs;
 
-Displays DisplaysOf(const Views& views) {
-  Displays displays;
-  for (int i = 0; i < frm6::kDisplays; ++i) {
-    displays.emplace_back(&views("lblDisp", i), QString("Display %1").arg(i + 1));
-  }
-  return displays;
-}
-
 flow::OutputPlan OutputOf(const Views& views, int index) {
   return {&views("txbOutOut", index),
           &views("pctOut", index),
@@ -35,11 +27,12 @@ flow::OutputPlan OutputOf(const Views& views, int index) {
            {&views("txbOutIntTime", index), {nullptr, "Int. time"}, {nullptr, "s"}}}};
 }
 
-flow::BoardPlan PlanOf(Views& views) {
+flow::BoardPlan PlanOf(Views& views, const Panel& panel) {
   flow::BoardPlan plan{};
   plan.inputs = frm6::kLiveValues;
   plan.functions = frm6::kFunctions;
   plan.dense = true;
+  plan.transfer = dynamic_cast<const Transfer*>(&panel);
   for (int j = 0; j < kOutputs; ++j) plan.outputs.push_back(OutputOf(views, j));
   for (const auto add : {flow::AddTrigger, flow::AddDigitalInput}) {
     plan.others.emplace_back(
@@ -51,19 +44,20 @@ flow::BoardPlan PlanOf(Views& views) {
 }  // namespace
 
 Panel6Window::Panel6Window(Panel& panel, Acts& acts)
-    : PanelWindow(panel, acts), board_(&Make<flow::FlowBoard>(*centralWidget(), views_, PlanOf(views_))) {
-  auto& layout = LayOutPanel(views_, panel, DisplaysOf(views_), *centralWidget());
+    : PanelWindow(panel, acts),
+      board_(&Make<flow::FlowBoard>(*centralWidget(), views_, PlanOf(views_, panel))) {
+  auto& layout = LayOutPanel(views_, panel, FourDisplays(views_), *centralWidget());
   layout.addWidget(board_, 1);
   faces_.push_back({&board_->Network(), &views_("pctFunction", 0)});
   AddFace<platform6::VavFaceView>("pctSetpV1");
-  AddFace<platform6::JumperFaceView>("pct6v3Settings");
+  AddFace<platform6::JumperFaceView>("pct6v3Settings", dynamic_cast<const frm6&>(panel).jumper);
   AddFace<platform6::SequentialFaceView>("pctSecCont");
   views_.OnRefresh([this] { ShowFace(); });
 }
 
-template <typename View>
-void Panel6Window::AddFace(const std::string& presence) {
-  auto& view = Make<View>(*board_, views_);
+template <typename View, typename... Models>
+void Panel6Window::AddFace(const std::string& presence, const Models&... models) {
+  auto& view = Make<View>(*board_, views_, models...);
   view.setContentsMargins(Digits(view, 2), 0, 0, 0);
   board_->AddBeside(view);
   faces_.push_back({&view, &views_(presence)});

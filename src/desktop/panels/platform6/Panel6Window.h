@@ -21,8 +21,8 @@ class Panel6Window : public PanelWindow {
     const Control* presence;
   };
 
-  template <typename View>
-  void AddFace(const std::string& presence);
+  template <typename View, typename... Models>
+  void AddFace(const std::string& presence, const Models&... models);
   void ShowFace();
 
   flow::FlowBoard* board_;
