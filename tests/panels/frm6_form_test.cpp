@@ -47,6 +47,83 @@ TEST_F(Frm6FormTest, ShowsTheGeneralFields) {
   EXPECT_EQ(panel.cbxSimulated.Text(), "Off line");
 }
 
+TEST_F(Frm6FormTest, CaptionsAreThoseOfThisPanel) {
+  EXPECT_EQ(Entry("CalTemp").Text(), "Temp");
+  EXPECT_EQ(Entry("mCalCO2").Text(), "CO2 single point");
+  EXPECT_EQ(panel.cbxDigActive.Text(), "Active");
+  for (const auto& names : {Texts(panel.outputs.optOut6Analog), Texts(panel.outputs.optOut6Digital),
+                            Texts(panel.outputs.optOut6TMO), Texts(panel.outputs.cbxOut6Invert)}) {
+    EXPECT_THAT(names, Each(names.front()));
+    EXPECT_NE(names.front(), "");
+  }
+}
+
+TEST_F(Frm6FormTest, TheMenusOfChannelsAreHiddenAndOnlyPoppedUp) {
+  EXPECT_FALSE(Entry("mChannels").Visible());
+  EXPECT_FALSE(Entry("mFChannels").Visible());
+  for (const auto* entry : panel.mCHannel) EXPECT_EQ(entry->parent, "mChannels");
+  for (const auto* entry : panel.mFchannel) EXPECT_EQ(entry->parent, "mFChannels");
+}
+
+TEST_F(Frm6FormTest, MakingItFitASensorShowsTheMode) {
+  panel.cbxSimulated.SetVisible(false);
+  EXPECT_TRUE(panel.FormUpdateInit());
+  EXPECT_TRUE(panel.cbxSimulated.Visible());
+}
+
+TEST_F(Frm6FormTest, TheHighestIdIs29AndItIsStoredWithTheNextEdit) {
+  Type(panel.txbID, "35");
+  EXPECT_EQ(panel.txbID.Text(), "29");
+  EXPECT_EQ(Eeprom(), SampleEeprom(kPart88));
+  Type(panel.txbID, "29");
+  EXPECT_EQ(panel.txbID.Text(), "29");
+  Type(panel.rows.txbFa[0], "400");
+  ExpectChanged(32, {29});
+}
+
+TEST_F(Frm6FormTest, WhatOnlyShowsTakesNoEdit) {
+  const auto& face = panel.sequential;
+  for (const auto* field : {&panel.txbSN, &panel.vav.txbOutV1OutVAV, &panel.vav.txbOutV1Out,
+                            &face.txbV4Out1Out, &face.txbV4Out2Out}) {
+    EXPECT_FALSE(field->Editable()) << field->Name();
+  }
+  for (const auto* fields : {&panel.outputs.txbOutOut, &panel.jumper.txb6v3AN}) {
+    for (const auto* field : *fields) EXPECT_FALSE(field->Editable()) << field->Name();
+  }
+}
+
+TEST_F(Frm6FormTest, LiveValuesAreTypedInSimulatedModeOnly) {
+  for (auto* field : panel.txbCHact) EXPECT_FALSE(field->Editable()) << field->Name();
+  panel.txbCHact[0].SetText("21");
+  panel.rows.txbFa[0].SetText("401");
+  Type(panel.txbCHact[0], "33");
+  EXPECT_EQ(panel.txbCHact[0].Text(), "21");
+  EXPECT_EQ(panel.txbCHact[0].Back(), test::kFieldBack);
+  EXPECT_EQ(Eeprom(), SampleEeprom(kPart88));
+  panel.SimMode(true);
+  for (auto* field : panel.txbCHact) EXPECT_TRUE(field->Editable()) << field->Name();
+  Type(panel.txbCHact[0], "33");
+  EXPECT_EQ(panel.txbCHact[0].Text(), "33");
+  // Leaving it takes the form.
+  ExpectChanged(108, {25});
+}
+
+TEST_F(Frm6FormTest, EveryFieldChangesItsColoursAndIsTakenWhenItIsLeft) {
+  for (auto* field : {&panel.rows.txbFa[5], &panel.rows.txbFb[0], &panel.outputs.txbOutBaseLine[3],
+                      &panel.outputs.txbOutIntTime[0], &panel.txbDigLevel, &panel.trigger.txbDigTlevel,
+                      &panel.trigger.txbDigTtime}) {
+    Show(SampleEeprom(kPart88));
+    panel.rows.txbFa[0].SetText("401");
+    panel.form.GainFocus(*field);
+    EXPECT_EQ(field->Back(), test::kWhite) << field->Name();
+    EXPECT_EQ(field->Fore(), test::kBlack) << field->Name();
+    panel.form.LoseFocus(*field);
+    EXPECT_EQ(field->Back(), test::kFieldBack) << field->Name();
+    EXPECT_EQ(field->Fore(), test::kYellow) << field->Name();
+    ExpectChanged(108, {25});
+  }
+}
+
 TEST_F(Frm6FormTest, ShowsTheFunctions) {
   EXPECT_THAT(Texts(panel.rows.lblFchannel), ElementsAre("CO2", "Temp 1", "RH", "CO2", "Temp 2", "CO2"));
   EXPECT_THAT(Texts(panel.rows.txbFa), ElementsAre("400", "18", "40", "800", "-10", "2000"));
@@ -123,6 +200,24 @@ TEST_F(Frm6FormTest, TheInputOfAFunctionIsItsChannelLess2) {
   EXPECT_EQ(panel.rows.txbFa[4].Text(), "-1000");
   EXPECT_EQ(panel.rows.lblFaUnit[4].Text(), "ppm");
   ExpectChanged(126, {9});
+}
+
+TEST_F(Frm6FormTest, ChoosingAnInputTakesTheFormFirst) {
+  panel.rows.txbFa[0].SetText("401");
+  Choose(panel.rows.lblFchannel[4], 3);
+  auto expected = SampleEeprom(kPart88);
+  expected[108] = 25;
+  expected[126] = 9;
+  EXPECT_EQ(Eeprom(), expected);
+}
+
+TEST_F(Frm6FormTest, AnInputThatNoMenuHasIsShownWithoutAName) {
+  for (const int input : {11, 15, 200}) {
+    SetEeprom(106, {input});
+    EXPECT_TRUE(panel.FormUpdate());
+    EXPECT_EQ(panel.rows.lblFchannel[0].Text(), "") << input;
+    EXPECT_THAT(Eeprom(106, 1), ElementsAre(input));
+  }
 }
 
 TEST_F(Frm6FormTest, OnlyOneTemperatureHasNoNumberAndIsFoundByItsName) {
@@ -236,6 +331,16 @@ TEST_F(Frm6FormTest, IntegrationTimesArePowersOfTwoUpTo256) {
   }
 }
 
+TEST_F(Frm6FormTest, ATimeBelow2IsExponent0AlsoWhereItsFieldWasNotLeft) {
+  for (const char* text : {"1", "1.9", "0.3"}) {
+    SetEeprom(149, {128 + 64 + 8 + 5});
+    panel.FormUpdate();
+    panel.outputs.txbOutIntTime[3].SetText(text);
+    EXPECT_TRUE(panel.FormRead());
+    EXPECT_THAT(Eeprom(149, 1), ElementsAre(128 + 64 + 8)) << text;
+  }
+}
+
 TEST_F(Frm6FormTest, ATimeThatIsNoNumberAbove0IsRefusedAndNothingIsTaken) {
   for (const char* text : {"0", "-4", "", "x"}) {
     Show(SampleEeprom(kPart88));
@@ -263,9 +368,11 @@ TEST_F(Frm6FormTest, EveryTickHasItsBit) {
     EXPECT_TRUE(Click(panel.rows.FeedsOf(j)[5]));
     EXPECT_THAT(Eeprom(record, 3), ElementsAre(0, 128, 128));
     EXPECT_TRUE(Click(panel.trigger.cbxDigTout[j]));
+    EXPECT_THAT(Eeprom(record, 3), ElementsAre(32, 128, 128));
     EXPECT_TRUE(Click(panel.outputs.cbxDigout[j]));
     EXPECT_THAT(Eeprom(record, 3), ElementsAre(32, 128, 128 + 32));
     EXPECT_TRUE(Click(panel.outputs.cbxOut6Invert[j]));
+    EXPECT_THAT(Eeprom(record, 3), ElementsAre(32, 128, 128 + 32 + 16));
     EXPECT_TRUE(Click(panel.outputs.optOut6TMO[j]));
     EXPECT_THAT(Eeprom(record, 3), ElementsAre(32, 128, 128 + 64 + 32 + 16));
     EXPECT_TRUE(Click(panel.outputs.optOut6Digital[j]));
@@ -314,6 +421,8 @@ TEST_F(Frm6FormTest, APressOnASignTurnsItsLevel) {
   EXPECT_FALSE(panel.pctDigNSign.Visible());
   EXPECT_TRUE(Click(panel.trigger.pctDigTPsign));
   EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "-29");
+  EXPECT_FALSE(panel.trigger.pctDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.pctDigTNsign.Visible());
   EXPECT_TRUE(panel.FormRead());
   EXPECT_THAT(Eeprom(96, 1), ElementsAre(38));
   EXPECT_THAT(Eeprom(136, 1), ElementsAre(128 + 37));
@@ -400,6 +509,27 @@ TEST_F(Frm6FaceTest, EachVariantHasItsFace) {
     ExpectFace(faces.at(static_cast<std::size_t>(variant)));
     EXPECT_TRUE(panel.txbSN.Visible() && panel.txbID.Visible() && panel.lblDisp[3].Visible());
     EXPECT_FALSE(panel.vav.lblV1Note.Visible());
+  }
+}
+
+TEST_F(Frm6FaceTest, PicturesOfFunctionsAndSignsAreTheGenericFacesAlone) {
+  const auto shown = [this] {
+    std::vector<std::string> names;
+    for (const auto& control : panel.form.Controls()) {
+      const auto& name = control.Name();
+      const bool isSign = name.rfind("pctDig", 0) == 0;
+      const bool isShape = name.rfind("pctF", 0) == 0 && name.find("slope") != std::string::npos;
+      if ((isSign || isShape) && control.Visible()) names.push_back(name);
+    }
+    return names;
+  };
+  for (const int variant : {1, 3, 4, 5}) {
+    Show(SampleEeprom(kPart88, 0));
+    EXPECT_THAT(shown(), testing::UnorderedElementsAre("pctFPslope(0)", "pctFNslope(1)", "pctFPslope(2)",
+                                                       "pctFPsignNslope(3)", "pctFDigNsignPslope(4)",
+                                                       "pctFPsignPslope(5)", "pctDigNSign", "pctDigTPsign"));
+    Show(SampleEeprom(kPart88, variant));
+    EXPECT_THAT(shown(), testing::IsEmpty()) << variant;
   }
 }
 

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <limits>
+
 #include "panels/frm6_fixture.h"
 
 namespace brelant {
@@ -177,6 +179,35 @@ TEST_F(Frm6JumperTest, TheTriggerLevelKeepsItsSignBit) {
   panel.trigger.txbDigTlevel.SetText("50");
   EXPECT_TRUE(panel.FormRead());
   EXPECT_THAT(Eeprom(136, 1), ElementsAre(128 + 64));
+}
+
+TEST_F(Frm6JumperTest, AnotherSignOfTheTriggerLevelIsNotTaken) {
+  for (const auto& [byte, typed] : {std::pair{37, "-50"}, {128 + 37, "50"}}) {
+    SetEeprom(136, {byte});
+    panel.FormUpdate();
+    panel.trigger.txbDigTlevel.SetText(typed);
+    EXPECT_TRUE(panel.FormRead());
+    EXPECT_THAT(Eeprom(136, 1), ElementsAre((byte & 128) | 64)) << typed;
+  }
+}
+
+TEST_F(Frm6JumperTest, ShowsTheTriggerLevelRounded) {
+  // 38 / 127 is 29.92 %.
+  SetEeprom(136, {128 + 38});
+  panel.FormUpdate();
+  EXPECT_EQ(panel.trigger.txbDigTlevel.Text(), "-30");
+}
+
+TEST_F(Frm6JumperTest, ASearchWithoutANumberLeavesItsField) {
+  platform6::FunctionEnds ends;
+  for (int i = 1; i <= 6; ++i) ends.B(i) = 100;
+  ends.A(1) = std::numeric_limits<float>::quiet_NaN();
+  const auto before = Shown();
+  panel.jumper.Update(ends, [] {});
+  const auto after = Shown();
+  // B, E and K.
+  for (const std::size_t field : {2U, 6U, 11U}) EXPECT_EQ(after[field], before[field]);
+  EXPECT_EQ(after[3], "100");
 }
 
 TEST_F(Frm6JumperTest, EventsRunDuringASearch) {

@@ -77,8 +77,8 @@ TEST_F(Frm6SensorTest, APollWhoseSecondReadFailsFails) {
 TEST_F(Frm6SensorTest, PollingALiveSensorShowsItsValuesEveryTwoSeconds) {
   std::vector<std::string> seen;
   HoldWord(30, 5812);
-  After(seconds(3), [&] { HoldWord(30, 6000); });
-  for (const int moment : {1500, 4500}) {
+  After(seconds(1), [&] { HoldWord(30, 6000); });
+  for (const int moment : {1500, 2500}) {
     After(milliseconds(moment), [&] { seen.push_back(panel.txbCHact[3].Text()); });
   }
   Run(seconds(5));
@@ -187,6 +187,35 @@ TEST_F(Frm6SensorTest, ReadingAndSendingShowTheirProgress) {
   EXPECT_THAT(progress, testing::Contains("Sending to sensor"));
 }
 
+TEST_F(Frm6SensorTest, TheFormIsTakenBeforeSendingIsShown) {
+  panel.outputs.txbOutIntTime[2].SetText("0");
+  ground.msg.ShowProgress("Please wait", true, &panel.form);
+  EXPECT_FALSE(panel.ActionSensorWrite());
+  EXPECT_EQ(ground.msg.Label1.Text(), "Please wait");
+}
+
+TEST_F(Frm6SensorTest, WhatFailsLeavesThePortClosed) {
+  test::PullOff(port);
+  panel.txbID.SetText("12");
+  EXPECT_FALSE(panel.ActionSensorWrite());
+  EXPECT_EQ(session.LastError, "Can't save to sensor");
+  EXPECT_FALSE(port.PortOpen());
+  session.LastError.clear();
+  EXPECT_FALSE(panel.ActionSensorRead());
+  EXPECT_FALSE(port.PortOpen());
+}
+
+TEST_F(Frm6SensorTest, TheTwaResetHasNoFrameOnThisPlatform) {
+  std::vector<std::string> progress;
+  test::NoteProgress(ground, progress);
+  EXPECT_FALSE(panel.ActionTWAReset());
+  EXPECT_EQ(session.LastError, "Can't reset TWA");
+  EXPECT_THAT(progress, ElementsAre("TWA reset"));
+  EXPECT_TRUE(port.sensor.Frames().empty());
+  EXPECT_FALSE(port.PortOpen());
+  EXPECT_EQ(Held(), sample);
+}
+
 TEST_F(Frm6SensorTest, ExitIsACommandOfTheLoop) {
   EXPECT_TRUE(Click(panel.mExit));
   EXPECT_EQ(session.PanelCommand, 14);
@@ -206,6 +235,52 @@ TEST_F(Frm6SensorTest, TheFacesFollowOneSensorAfterTheOther) {
     EXPECT_EQ(panel.jumper.txb6v3A1.Visible(), variant == 3) << variant;
     EXPECT_EQ(panel.sequential.pctSecCont.Visible(), variant == 4) << variant;
   }
+}
+
+// Calibrations
+
+/// A sensor with tables of its own, which the panel has read.
+class Frm6CalibrationTest : public test::Frm6TestOn<test::SensorPort> {
+ protected:
+  Frm6CalibrationTest() : Frm6TestOn(bench::SensorSetup{.part = kPart88}) {
+    EXPECT_TRUE(panel.ActionSensorRead());
+    panel.form.Show();
+    ground.port.sensor.ForgetFrames();
+    ground.screen.onShow = [this](Form& form, bool visible) {
+      if (form.Name() != "frmSpanCalNote" || !visible) return;
+      After(milliseconds(10), [this] { Click(ground.spanNote.Command2); });
+    };
+  }
+  static std::vector<int> Held(test::SensorGround& sensor) {
+    return {sensor.port.sensor.Eeprom().begin(), sensor.port.sensor.Eeprom().end()};
+  }
+};
+
+TEST_F(Frm6CalibrationTest, TheSpanIsThatOfTheFirstGasByItsWord) {
+  const auto before = Held(ground);
+  ground.ui.inputs = {"1000"};
+  EXPECT_TRUE(panel.ActionCalCO2span()) << ground.session.LastError;
+  EXPECT_THAT(ground.ui.prompts, ElementsAre("Please enter span gas concentration"));
+  // 1000 ppm are the word 6000.
+  test::SensorGround other{bench::SensorSetup{.part = kPart88}};
+  EXPECT_TRUE(other.com.ReadSensorMemory(30, 0, 0, true, false));
+  EXPECT_TRUE(other.cal.CalibrateCO2Span(11, "6000", false));
+  const auto after = Held(ground);
+  EXPECT_EQ(after, Held(other));
+  EXPECT_NE(after, before);
+  // Its table lies at 444.
+  for (std::size_t i = 0; i < after.size(); ++i) {
+    if (i >= 444 && i < 478) continue;
+    EXPECT_EQ(after[i], before[i]) << i;
+  }
+}
+
+TEST_F(Frm6CalibrationTest, TheTemperatureHasABlankBehindItsProgress) {
+  std::vector<std::string> progress;
+  test::NoteProgress(ground, progress);
+  ground.ui.inputs = {"25"};
+  EXPECT_TRUE(panel.ActionCalTempZero()) << ground.session.LastError;
+  EXPECT_THAT(progress, ElementsAre("Calibrating temperature "));
 }
 
 }  // namespace

@@ -45,6 +45,21 @@ TEST_F(Frm6SequentialTest, ShowsSetPointsAndRanges) {
   EXPECT_EQ(face.txbV4MinVent.Text(), "25");
 }
 
+TEST_F(Frm6SequentialTest, EveryFieldGoesThroughItsChannel) {
+  // Channel 2 in whole degrees, channel 3 in tenths; channel 11 in tenths, channel 12 in whole ppm.
+  SetEeprom(220, {0x84, 0x87});
+  SetEeprom(229, {0x93, 0x90});
+  panel.FormUpdate();
+  EXPECT_EQ(face.txbV4SetPtemp.Text(), "220");
+  EXPECT_EQ(face.txbV4SetPCO2.Text(), "80");
+  EXPECT_EQ(face.txbV4PrangeVentTemp.Text(), "45");
+  EXPECT_EQ(face.txbV4PrangeCoolTemp.Text(), "25");
+  EXPECT_EQ(face.txbV4PrangeVentCO2.Text(), "40");
+  const auto before = Eeprom();
+  EXPECT_TRUE(panel.FormRead());
+  EXPECT_EQ(Eeprom(), before);
+}
+
 TEST_F(Frm6SequentialTest, AFormOnTheGrainIsTakenBackByteForByte) {
   EXPECT_TRUE(panel.FormRead());
   EXPECT_EQ(Eeprom(), SequentialSample());

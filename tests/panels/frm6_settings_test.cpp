@@ -105,6 +105,21 @@ TEST_F(Frm6SettingsTest, OtherVariantsAreNotSaved) {
   }
 }
 
+TEST_F(Frm6SettingsTest, ASaveThatIsRefusedFails) {
+  Show(SampleEeprom(kPart88, 5));
+  Choose(kFile);
+  EXPECT_FALSE(panel.ActionSettingsSave());
+  EXPECT_EQ(ground.session.LastError, "Cant save settings from this sensor");
+}
+
+TEST_F(Frm6SettingsTest, ASaveThatTheMachineRefusesIsTold) {
+  Show(SampleEeprom(kPart88));
+  ground.files.Break(kFile);
+  Choose(kFile);
+  ClickInTheLoop("mSavesettings");
+  EXPECT_THAT(ground.ui.Texts(), ElementsAre("Can't save settings."));
+}
+
 TEST_F(Frm6SettingsTest, ACancelledDialogIsSilentAndTakesNothing) {
   Show(SampleEeprom(kPart88));
   panel.txbID.SetText("12");

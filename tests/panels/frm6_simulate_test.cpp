@@ -130,6 +130,18 @@ TEST_F(Frm6SimulateTest, AFunctionTakesTheChannelOfItsName) {
   EXPECT_EQ(Simulated(0), "7");
 }
 
+TEST_F(Frm6SimulateTest, AChannelThatIsGoneFeedsNoFunction) {
+  SetCO2("1400");
+  auto eeprom = SampleEeprom(kPart88);
+  Put(eeprom, 138, {0, 128, 0, 0, 128, 0, 0, 128, 0, 0, 128, 0});
+  eeprom[158] |= 2;  // no CO2
+  Show(eeprom);
+  ASSERT_THAT(test::Visibles(panel.pctChannel), ElementsAre(true, true, true, false, false, false, false));
+  Feed(0, 3, true, true);
+  SetBase(0, "7");
+  EXPECT_EQ(Simulated(0), "7");
+}
+
 TEST_F(Frm6SimulateTest, ADigitalOutputHasItsBaseLine) {
   MakeDigital(0);
   for (const auto& [base, output] :
@@ -180,12 +192,13 @@ TEST_F(Frm6SimulateTest, AnInvertedDigitalOutputSwitchesOnTheAmount) {
 TEST_F(Frm6SimulateTest, TheTriggerAddsItsLevelOnceWhicheverLineRuns) {
   panel.trigger.cbxDigTout[0].SetValue(1);
   SetBase(0, "80");
+  SetBase(1, "80");
   EXPECT_EQ(Simulated(0), "80");
   panel.trigger.txbDigTlevel.SetText("-29");
   for (auto* line : {&panel.trigger.linDigTPsign, &panel.trigger.linDigTNsign}) {
     line->SetVisible(true);
     EXPECT_EQ(Simulated(0), "51") << line->Name();
-    EXPECT_EQ(panel.outputs.txbOutOut[1].Text(), "0");
+    EXPECT_EQ(panel.outputs.txbOutOut[1].Text(), "80");
     line->SetVisible(false);
   }
 }
@@ -225,6 +238,33 @@ TEST_F(Frm6SimulateTest, ADigitalOutputIsSwitchedByTheInput) {
   EXPECT_EQ(Simulated(2), "0");
   panel.cbxDigActive.SetValue(1);
   EXPECT_EQ(Simulated(2), "100");
+}
+
+TEST_F(Frm6SimulateTest, EndsInTheWrongOrderGiveTheEndA) {
+  Feed(0, 3, true, true);
+  panel.rows.txbFa[3].SetText("1400");
+  panel.rows.txbFb[3].SetText("400");
+  SetBase(0, "30");
+  for (const char* input : {"300", "900", "1500"}) {
+    SetCO2(input);
+    EXPECT_EQ(Simulated(0), "30") << input;
+  }
+}
+
+TEST_F(Frm6SimulateTest, OutputsAreRoundedToTheNearestAndTheEvenNeighbour) {
+  for (const auto& [base, output] :
+       {std::pair{"24.6", "25"}, std::pair{"24.4", "24"}, std::pair{"24.5", "24"}, std::pair{"25.5", "26"}}) {
+    SetBase(0, base);
+    EXPECT_EQ(Simulated(0), output) << base;
+  }
+}
+
+TEST_F(Frm6SimulateTest, AnEditMovesTheOutputsAtOnceInSimulatedModeOnly) {
+  test::Type(panel.outputs.txbOutBaseLine[0], "50");
+  EXPECT_EQ(panel.outputs.txbOutOut[0].Text(), "50");
+  panel.SimMode(false);
+  test::Type(panel.outputs.txbOutBaseLine[0], "75");
+  EXPECT_EQ(panel.outputs.txbOutOut[0].Text(), "50");
 }
 
 TEST_F(Frm6SimulateTest, AnEqualToBLeavesAllOutputs) {
@@ -335,6 +375,64 @@ TEST_F(Frm6SimulateTest, TheTriggerRunsForItsWholeSeconds) {
   Run(seconds(6));
   EXPECT_THAT(outputs, ElementsAre("0", "50", "50", "0"));
   EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+}
+
+TEST_F(Frm6SimulateTest, TheBarIsOnTheLineOfTheSignInForce) {
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_FALSE(panel.trigger.linDigTNsign.Visible());
+  // The sample's 10 minutes are over.
+  Run(std::chrono::minutes(11));
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_TRUE(Click(panel.trigger.pctDigTPsign));
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_TRUE(panel.trigger.linDigTNsign.Visible());
+}
+
+TEST_F(Frm6SimulateTest, ATimeOf0StartsNothingAndHoldsARunningTrigger) {
+  panel.trigger.txbDigTtime.SetText("0");
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  EXPECT_FALSE(panel.trigger.Active());
+  panel.trigger.txbDigTtime.SetText("5");
+  panel.trigger.lblDigTunit.SetText("Sec");
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  panel.trigger.txbDigTtime.SetText("0");
+  Run(seconds(20));
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
+  EXPECT_EQ(panel.trigger.linDigTPsign.Value(), 0);
+  panel.trigger.txbDigTtime.SetText("5");
+  Run(seconds(1));
+  EXPECT_FALSE(panel.trigger.linDigTPsign.Visible());
+}
+
+TEST_F(Frm6SimulateTest, ATriggerThatRunsIsNotStartedAgain) {
+  panel.trigger.txbDigTtime.SetText("10");
+  panel.trigger.lblDigTunit.SetText("Sec");
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  After(seconds(8), [this] { EXPECT_TRUE(Click(panel.trigger.btnDigTrig)); });
+  bool active = true;
+  After(seconds(11), [&] { active = panel.trigger.Active(); });
+  Run(seconds(12));
+  EXPECT_FALSE(active);
+}
+
+TEST_F(Frm6SimulateTest, ATriggerTimeInMinutes) {
+  panel.trigger.txbDigTtime.SetText("2");
+  panel.trigger.lblDigTunit.SetText("Min");
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  std::vector<bool> active;
+  for (const int second : {110, 130}) {
+    After(seconds(second), [&] { active.push_back(panel.trigger.Active()); });
+  }
+  Run(seconds(140));
+  EXPECT_THAT(active, ElementsAre(true, false));
+}
+
+TEST_F(Frm6SimulateTest, EnteringSimulatedModeLeavesTheBar) {
+  EXPECT_TRUE(Click(panel.trigger.btnDigTrig));
+  panel.SimMode(true);
+  EXPECT_TRUE(panel.trigger.linDigTPsign.Visible());
 }
 
 TEST_F(Frm6SimulateTest, LeavingSimulatedModeHidesTheBar) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
 #include <map>
 
 #include "panels/frm6_fixture.h"
@@ -122,6 +123,40 @@ TEST_F(Frm6VavFormTest, ShowsPart223WithItsOutputsExchanged) {
   EXPECT_EQ(panel.vav.txbSetPV1CO2.Text(), "800");
   EXPECT_EQ(panel.vav.txbUseMax.Text(), "81");
   EXPECT_EQ(panel.vav.txbUseMin.Text(), "21");
+}
+
+TEST_F(Frm6VavFormTest, SetPointsGoThroughTheirChannels) {
+  // Channel 2 in hundredths, channel 3 in tenths; channel 11 in tenths, channel 12 in whole ppm.
+  constexpr std::array<std::uint8_t, 2> kTemperatures{0x86, 0x87};
+  for (const auto& [part, temperature] : {std::pair{222, "22"}, std::pair{223, "190"}}) {
+    auto eeprom = VavSample(static_cast<std::uint8_t>(part));
+    std::copy(kTemperatures.begin(), kTemperatures.end(), eeprom.begin() + 220);
+    Put(eeprom, 229, {0x93, 0x90});
+    Show(eeprom);
+    EXPECT_EQ(panel.vav.txbSetPV1Temp.Text(), temperature) << part;
+    EXPECT_EQ(panel.vav.txbSetPV1CO2.Text(), "80") << part;
+    panel.vav.txbSetPV1Temp.SetText("20.5");
+    panel.vav.txbSetPV1CO2.SetText("90");
+    EXPECT_TRUE(panel.FormRead());
+    if (part == 222) {
+      EXPECT_THAT(Eeprom(6, 2), ElementsAre(27, 138));  // 5000 + 2050
+    } else {
+      EXPECT_THAT(Eeprom(0, 2), ElementsAre(20, 85));  // 5000 + 205
+    }
+    EXPECT_THAT(Eeprom(18, 2), ElementsAre(23, 12));  // 5000 + 900
+  }
+}
+
+TEST_F(Frm6VavFormTest, TheNoteIsHiddenAtFirstAndOnOtherFacesAndElseLeftAlone) {
+  ShowPart(222);
+  EXPECT_FALSE(panel.vav.lblV1Note.Visible());
+  panel.vav.lblV1Note.SetVisible(true);
+  EXPECT_TRUE(panel.FormUpdateInit());
+  EXPECT_TRUE(panel.FormUpdate());
+  EXPECT_TRUE(panel.FormRead());
+  EXPECT_TRUE(panel.vav.lblV1Note.Visible());
+  Show(SampleEeprom(222, 0));
+  EXPECT_FALSE(panel.vav.lblV1Note.Visible());
 }
 
 TEST_F(Frm6VavFormTest, ShowsTheSlope) {
@@ -269,6 +304,7 @@ TEST_F(Frm6VavFormTest, ALimitThatIsLeftIsLimitedAndAsksForItsCommand) {
       EXPECT_EQ(ground.session.PanelCommand, isMax ? 15 : 16);
       EXPECT_EQ(ground.msg.Label1.Text(), "Please wait");
       EXPECT_TRUE(ground.msg.Visible());
+      EXPECT_FALSE(ground.msg.ProgressBar1.Visible());
       EXPECT_EQ(field.Back(), test::kFieldBack);
       EXPECT_EQ(field.Fore(), test::kYellow);
       // The form is not taken.
@@ -307,6 +343,8 @@ TEST_F(Frm6VavFormTest, TheButtonsMoveAtLeastOneStep) {
         Case{"Command5", "81", "79", 179, 15}, Case{"Command5", "82", "81", 180, 15},
         // 49 gives 160, which is 50 again; 48 is the next try.
         Case{"Command2", "50", "48", 159, 16}, Case{"Command2", "21", "20", 141, 16},
+        // Ends that no byte stands for: 79 is 178.56, 26 is 144.64.
+        Case{"Command5", "80", "79", 179, 15}, Case{"Command2", "27", "26", 145, 16},
         // The ends: the byte has moved on, the text has not.
         Case{"Command6", "100", "100", 193, 15}, Case{"Command1", "100", "100", 193, 16},
         Case{"Command5", "0", "0", 127, 15}, Case{"Command2", "0", "0", 127, 16}}) {
@@ -321,6 +359,7 @@ TEST_F(Frm6VavFormTest, TheButtonsMoveAtLeastOneStep) {
       EXPECT_EQ(field.Text(), shown) << name << from;
       EXPECT_EQ(ground.session.PanelCommand, command);
       EXPECT_EQ(ground.msg.Label1.Text(), "Please wait");
+      EXPECT_FALSE(ground.msg.ProgressBar1.Visible());
       // Byte 139 on either part number.
       auto expected = VavSample(static_cast<std::uint8_t>(part));
       expected[139] = static_cast<std::uint8_t>(byte);
@@ -345,6 +384,18 @@ TEST_F(Frm6VavFormTest, ThroughTheWholeRangeEachPressMovesTheByte) {
     before = Eeprom(139, 1).front();
   }
   EXPECT_EQ(panel.vav.txbUseMax.Text(), "0");
+}
+
+TEST_F(Frm6VavFormTest, AStepDownFromTheLowestByteEnds) {
+  ShowPart(222);
+  SetEeprom(139, {128});
+  SetEeprom(148, {0});
+  panel.FormUpdate();
+  EXPECT_EQ(panel.vav.txbUseMin.Text(), "-200");
+  // -201 is byte 0, which shows -200 again, and so does everything below.
+  EXPECT_TRUE(Click(panel.vav.Command2));
+  EXPECT_EQ(panel.vav.txbUseMin.Text(), "0");
+  EXPECT_THAT(Eeprom(139, 1), ElementsAre(0));
 }
 
 // With a sensor
@@ -409,6 +460,23 @@ TEST_F(Frm6VavSensorTest223, ALimitOfPart223HasItsOwnBytes) {
   ExpectHeld(140, {3, 0, 148, 0});
 }
 
+TEST_F(Frm6VavSensorTest, FourBytesGoWhateverElseTheFormHasChanged) {
+  panel.vav.txbUseMax.SetText("70");
+  EXPECT_TRUE(panel.ActionVAV(true));
+  // The set-up: 16 in 141, and other bytes around the four.
+  EXPECT_TRUE(panel.FormRead());
+  EXPECT_TRUE(panel.ActionVAV(true));
+  ExpectHeld(138, {0, 173, 0, 16});
+}
+
+TEST_F(Frm6VavSensorTest223, FourBytesGoWhateverElseTheFormHasChanged) {
+  panel.vav.txbOutV1IntTime.SetText("8");
+  panel.vav.txbUseMax.SetText("70");
+  EXPECT_TRUE(panel.FormRead());
+  EXPECT_TRUE(panel.ActionVAV(true));
+  ExpectHeld(140, {2, 0, 173, 0});
+}
+
 TEST_F(Frm6VavSensorTest, OnlyWhatHasChangedIsSent) {
   panel.vav.txbUseMax.SetText("70");
   EXPECT_TRUE(panel.ActionVAV(true));
@@ -462,6 +530,37 @@ TEST_F(Frm6VavSensorTest, TheWriteShowsItsProgress) {
   test::NoteProgress(ground, progress);
   EXPECT_TRUE(panel.ActionVAV(true));
   EXPECT_THAT(progress, ElementsAre("Ändrar baseline"));
+}
+
+TEST_F(Frm6VavSensorTest, TheProgressHasABarAndStandsBeforeAnythingIsTaken) {
+  std::vector<int> bytes;
+  bool bar = false;
+  ground.pump.InPass(1, [&] { bytes = Eeprom(138, 4); });
+  test::BeforeEachOutput(port, [&](const Bytes&) {
+    bar = ground.msg.ProgressBar1.Visible();
+    return true;
+  });
+  panel.vav.txbUseMax.SetText("70");
+  EXPECT_TRUE(panel.ActionVAV(true));
+  EXPECT_TRUE(bar);
+  EXPECT_THAT(bytes, ElementsAre(41, 116, 3, 2));
+}
+
+TEST_F(Frm6VavSensorTest, AWriteThatFailsLeavesThePortClosed) {
+  test::PullOff(port);
+  EXPECT_FALSE(panel.ActionVAV(true));
+  EXPECT_FALSE(port.PortOpen());
+  EXPECT_TRUE(panel.vav.lblV1Note.Visible());
+}
+
+TEST_F(Frm6VavSensorTest, AReadOrASendThatFailsLeavesTheNote) {
+  test::PullOff(port);
+  panel.vav.lblV1Note.SetVisible(true);
+  EXPECT_FALSE(panel.ActionSensorWrite());
+  EXPECT_TRUE(panel.vav.lblV1Note.Visible());
+  session.LastError.clear();
+  EXPECT_FALSE(panel.ActionSensorRead());
+  EXPECT_TRUE(panel.vav.lblV1Note.Visible());
 }
 
 TEST_F(Frm6VavSensorTest, TheNoteStaysUntilAWriteSucceeds) {

@@ -197,6 +197,21 @@ TEST_F(JumperTableTest, TheFifthSearchEndsCloseToFullButAfterTheStepOfThatTurn) 
   EXPECT_NEAR(b, 100, 0.01);
 }
 
+TEST_F(JumperTableTest, TheFifthSearchTakesItsFirstStepEvenWhereItBeginsCloseToFull) {
+  // At 205 function 1 gives 20.5 %, so function 5 begins with half of the way from 20 to 21; with F = 210
+  // function 2 gives the other half, and one single beside that it is 0.00008 off.
+  corners.D = 200;
+  corners.E = 205.0F;
+  for (const float beside : {200.0F, 220.0F}) {
+    corners.F = std::nextafter(210.0F, beside);
+    const auto settings = Settings();
+    const double function2 = settings.ends.GetFunkResult(2, 205);
+    EXPECT_NEAR(function2, 50, 0.0001);
+    EXPECT_GT(std::abs(function2 - 50), 0.00001);
+    EXPECT_EQ(settings.ends.B(5), beside < 210 ? 21 + 250 : 21 - 250);
+  }
+}
+
 TEST_F(JumperTableTest, TheFourthFunctionIsSearchedFrom100In50s) {
   // Where function 1 gives -50 % and function 4 nothing the sum is below, and B(4) falls: 100 - 50 - 25 - ...
   corners.A = 0;
