@@ -9,9 +9,9 @@ bin=$(realpath "${1:-$here/build/release/bin}")
 pictures=$(realpath "${2:-$here/docs/pictures}")
 work=$(mktemp -d)
 scenes=("${@:3}")
-[ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve generic vav jumper sequential compact)
-# Faces that differ from another one by their fields only: in light style at 100 % is enough.
-plain_scenes=" vav jumper sequential compact "
+[ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve generic
+  three_outputs vav_222 vav_223 jumper sequential compact transfer transfer_digital
+  platform61 platform61_plain platform7)
 part=231
 seconds_to_wait=20
 started=()
@@ -48,6 +48,8 @@ until_seen() {
 window() {
   local id WIDTH
   for id in $(xdotool search --onlyvisible --name "^$1\$"); do
+    # It may have closed meanwhile, and then has no width.
+    WIDTH=0
     eval "$(xdotool getwindowgeometry --shell "$id" | grep WIDTH)"
     ((WIDTH >= $2 * scale && WIDTH < ${3:-9999} * scale)) && { echo "$id"; return 0; }
   done
@@ -56,9 +58,10 @@ window() {
 
 gone() { ! window "$@" >/dev/null; }
 
-# alarmed WINDOW: one of its lamps is red.
+# alarmed WINDOW: one of its lamps is red. A pixel in sixteen is enough for a lamp, and soon looked at.
 alarmed() {
-  import -window "$1" -depth 8 "txt:$work/pixels" && grep -qi '#FF0000' "$work/pixels"
+  import -window "$1" miff:- | convert miff:- -sample 25% -depth 8 "txt:$work/pixels" &&
+    grep -qi '#FF0000' "$work/pixels"
 }
 
 # shoot NAME TITLE WIDTH
@@ -117,7 +120,9 @@ photograph_dialogs() {
   press "$(window "Communication setup" 300)" alt+m Return
   shoot chooser "Simulated mode" 200
   # The sensor of the same part, Next.
-  press "$(window "Simulated mode" 200)" End Up Return
+  press "$(window "Simulated mode" 200)" End Home
+  xdotool type "Platform 5 part $part"
+  press "$(window "Simulated mode" 200)" Return
   until_seen window "BRELANT Simulated mode" 800 >/dev/null
   type_values "$(window "BRELANT Simulated mode" 800)" 126 158 0 110 23.5 2.15 48
   shoot panel-simulated "BRELANT Simulated mode" 800
@@ -162,17 +167,22 @@ photograph_chart_simulated() {
   stop
 }
 
-photograph_chart() {
-  local id
+# photograph_alarmed NAME PART VARIANT: a panel while one of its alarms is active.
+photograph_alarmed() {
+  local id part=$2
   settings "$work/sensor" 1
-  sensor --variant 1
+  sensor --variant "$3"
   program
   id=$(until_seen window BRELANT 800)
   # The gas of the virtual sensor rises and falls within a minute.
   seconds_to_wait=90 until_seen alarmed "$id"
-  shoot chart BRELANT 800
+  shoot "$1" BRELANT 800
   stop
 }
+
+photograph_chart() { photograph_alarmed chart $part 1; }
+photograph_platform61() { photograph_alarmed platform61 215 0; }
+photograph_platform7() { photograph_alarmed platform7 50 2; }
 
 photograph_curve() {
   settings "$work/sensor" 1
@@ -191,7 +201,7 @@ photograph_curve() {
   stop
 }
 
-# photograph_face NAME PART VARIANT: a face of platform 6.
+# photograph_face NAME PART VARIANT: a panel without alarms.
 photograph_face() {
   local part=$2
   settings "$work/sensor" 1
@@ -204,10 +214,29 @@ photograph_face() {
 }
 
 photograph_generic() { photograph_face generic 88 0; }
-photograph_vav() { photograph_face vav 222 1; }
+photograph_three_outputs() { photograph_face three-outputs 88 2; }
+photograph_vav_222() { photograph_face vav-222 222 1; }
+photograph_vav_223() { photograph_face vav-223 223 1; }
 photograph_jumper() { photograph_face jumper 88 3; }
 photograph_sequential() { photograph_face sequential 88 4; }
 photograph_compact() { photograph_face compact 221 5; }
+photograph_platform61_plain() { photograph_face platform61-plain 215 1; }
+
+# photograph_output NAME OUTPUT: the transfer of an output of the generic face.
+photograph_output() {
+  local part=88 id
+  settings "$work/sensor" 1
+  sensor --variant 0
+  program
+  id=$(until_seen window BRELANT 800)
+  sleep 2.5
+  xdotool mousemove --window "$id" $((1101 * scale)) $(((111 + ($2 - 1) * 126) * scale)) click 1
+  shoot "$1" "Transfer of Out $2" 300
+  stop
+}
+
+photograph_transfer() { photograph_output transfer 3; }
+photograph_transfer_digital() { photograph_output transfer-digital 4; }
 
 mkdir -p "$pictures" "$work/app"
 cp "$bin"/*.PDT "$bin"/*.sim "$work/app"
@@ -225,7 +254,7 @@ for style in light dark; do
   for scale in 1 2; do
     suffix=$([ $scale = 1 ] || echo -200)
     for scene in "${scenes[@]}"; do
-      [[ $plain_scenes == *" $scene "* && $style$scale != light1 ]] || "photograph_$scene"
+      "photograph_$scene"
     done
   done
 done
