@@ -12,6 +12,8 @@ namespace {
 constexpr std::uint8_t kReadBit = 128;
 constexpr std::uint8_t kHighBank = 64;
 constexpr std::uint8_t kEepromBit = 8;
+/// Both bits that no other frame sets; a single one would look like a command of another platform.
+constexpr std::uint8_t kWideRam = 48;
 constexpr int kBankSize = 128;
 constexpr int kPageSize = 16;
 constexpr std::size_t kWordEeprom = 512;
@@ -29,6 +31,8 @@ Frame Header(AddressForm form, std::uint8_t direction, int address, std::size_t 
       return {base, Byte(address)};
     case AddressForm::W:
       return {Byte(base + kEepromBit), Byte(address / 2)};
+    case AddressForm::RL:
+      return {Byte(base + kWideRam), Byte(address / 256), Byte(address)};
     default:
       return {Byte(base + kEepromBit), Byte(address / 256), Byte(address)};
   }

@@ -10,7 +10,7 @@
 namespace brelant::kibus {
 
 /// How a message names an address (docs/protocol.md, Address forms).
-enum class AddressForm { R, W, L };
+enum class AddressForm { R, W, L, RL };
 
 inline constexpr std::uint8_t kClearToReceive = 223;
 inline constexpr std::uint8_t kAck = 6;

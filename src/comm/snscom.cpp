@@ -7,6 +7,7 @@
 #include <exception>
 #include <optional>
 
+#include "comm/Exchange.h"
 #include "comm/memory_blocks.h"
 #include "comm/platform_rule.h"
 #include "platform/machine_error.h"
@@ -27,18 +28,8 @@ constexpr int kPlatform7Limit = 1023;
 constexpr int kPlatform8WriteLimit = 8192;
 constexpr std::size_t kWriteFlags = 1025;
 
-constexpr int kPauseBeforeAttempt = 5;
-constexpr int kPauseAfterClear = 8;
-constexpr int kClearLimit = 100;
 constexpr int kCommandClearLimit = 20;
-constexpr int kReadReplyLimit = 200;
-constexpr int kWriteReplyLimit = 1000;
 constexpr int kCommandReplyLimit = 3000;
-
-constexpr int kReadModemAttempt = 10;
-constexpr int kReadReopenAttempt = 15;
-constexpr int kWriteAttempts = 10;
-constexpr int kWriteReopenAttempt = 5;
 constexpr int kCommandAttempts = 100;
 constexpr int kCommandReopenAttempt = 50;
 
@@ -209,53 +200,19 @@ bool snscom::Read(const Selection& selection, bool isEeprom, std::uint8_t retrie
 
 bool snscom::ReadChunk(const Chunk& chunk, bool isEeprom, AddressForm form, std::uint8_t retries,
                        ReadRecord& record) {
-  const auto request = kibus::ReadRequest(form, chunk);
-  const auto rts = kibus::RequestToSend(session_.SensorId);
-  for (int attempt = 0;;) {
-    link_.Pause(kPauseBeforeAttempt);
-    if (attempt == kReadModemAttempt) link_.WakeModem();
-    if (!session_.LastError.empty() || attempt == retries) return false;
-    if (attempt == kReadReopenAttempt) link_.Reopen();
-    ++attempt;
-    link_.Discard();
-    record.RequestToSend(rts);
-    link_.Send({&rts, 1});
-    if (!link_.WaitForBytes(1, kClearLimit)) {
-      record.NoClearToReceive();
-      continue;
+  // Bytes of a reply with a wrong checksum stay in the image until a later attempt overwrites them.
+  const auto store = [&](std::span<const std::uint8_t> data) {
+    for (int k = 0; k < chunk.count; ++k) {
+      StoreRead(chunk.address + k, isEeprom, data[static_cast<std::size_t>(k)]);
     }
-    const auto clear = link_.Read().at(0);
-    record.ClearToReceive(clear);
-    if (clear != kibus::kClearToReceive) continue;
-    link_.Pause(kPauseAfterClear);
-    link_.Discard();
-    link_.SendSingly(request);
-    if (form != AddressForm::L) record.Request(request);
-    if (!link_.WaitForBytes(chunk.count + 2, kReadReplyLimit)) {
-      link_.Discard();
-      record.NoReply();
-      continue;
-    }
-    if (TakeReply(chunk, isEeprom, record)) return true;
-  }
+  };
+  return Exchanges().Read({kibus::ReadRequest(form, chunk), chunk.count, retries, form != AddressForm::L},
+                          record, store);
 }
 
-/// Bytes of a reply with a wrong checksum stay in the image until a later attempt overwrites them.
-bool snscom::TakeReply(const Chunk& chunk, bool isEeprom, ReadRecord& record) {
-  const auto received = link_.Read();
-  const auto reply = std::span(received).first(static_cast<std::size_t>(chunk.count) + 2);
-  if (!kibus::IsAck(reply.front())) {
-    record.WrongStatus(reply.front());
-    return false;
-  }
-  if (reply.front() == kibus::kAckWithFlag) session_.NakSeen = true;
-  for (int k = 0; k < chunk.count; ++k) {
-    StoreRead(chunk.address + k, isEeprom, reply[static_cast<std::size_t>(k) + 1]);
-  }
-  record.Reply(reply);
-  const bool right = kibus::Checksum(reply.first(reply.size() - 1)) == reply.back();
-  if (!right) record.WrongChecksum(reply.back());
-  return right;
+kibus::Exchange snscom::Exchanges() {
+  return {session_, link_, kibus::RequestToSend(session_.SensorId),
+          [this] { return !session_.LastError.empty(); }};
 }
 
 void snscom::StoreRead(int address, bool isEeprom, std::uint8_t value) {
@@ -314,8 +271,9 @@ bool snscom::Write(const Selection& selection, bool isEeprom, bool saveAfter, bo
     ShowProgress(done, total);
     done += chunk.count;
     if (!session_.LastError.empty()) return false;
-    if (!WriteChunk(chunk, isEeprom, form)) return false;
-    NoteWritten(chunk, isEeprom);
+    const auto written = WriteChunk(chunk, isEeprom, form);
+    if (written.empty()) return false;
+    NoteWritten(chunk, isEeprom, written);
   }
   return FinishWrite(isEeprom, saveAfter, lockAfter);
 }
@@ -335,43 +293,34 @@ bool snscom::CompleteWords(std::vector<bool>& flags) {
   return true;
 }
 
-bool snscom::WriteChunk(const Chunk& chunk, bool isEeprom, AddressForm form) {
+std::vector<std::uint8_t> snscom::WriteChunk(const Chunk& chunk, bool isEeprom, AddressForm form) {
   if (form == AddressForm::W && chunk.address % 2 == 1) {
     machine_.userInterface.MessageBox("Får inte vara ojämn adress till EEPROM", UserInterface::Buttons::ok,
                                       "", UserInterface::Icon::none);
-    return false;
+    return {};
   }
-  const auto rts = kibus::RequestToSend(session_.SensorId);
-  for (int attempt = 0;;) {
-    link_.Pause(kPauseBeforeAttempt);
-    if (attempt == kWriteAttempts) return false;
-    if (attempt == kWriteReopenAttempt) link_.Reopen();
-    ++attempt;
-    link_.Discard();
-    link_.Send({&rts, 1});
-    if (!TakeClearToReceive(kClearLimit)) continue;
-    link_.Discard();
-    std::vector<std::uint8_t> data;
+  std::vector<std::uint8_t> data;
+  const bool done = Exchanges().Write([&]() -> std::optional<kibus::Frame> {
+    data.clear();
     for (int k = 0; k < chunk.count; ++k) {
       const auto at = static_cast<std::size_t>(chunk.address + k);
       const float value = isEeprom ? image_.EepromImage.at(at) : image_.RamImage.at(at);
-      if (!(value >= 0 && value <= 255 && value == std::trunc(value))) return false;
+      if (!(value >= 0 && value <= 255 && value == std::trunc(value))) return {};
       data.push_back(static_cast<std::uint8_t>(value));
     }
-    // What comes in from here on counts as the reply.
-    link_.Pause(kPauseAfterClear);
-    link_.Send(kibus::WriteFrame(form, chunk.address, data));
-    if (link_.WaitForBytes(1, kWriteReplyLimit) && TakeStatus()) return true;
-  }
+    return kibus::WriteFrame(form, chunk.address, data);
+  });
+  return done ? data : std::vector<std::uint8_t>();
 }
 
 /// A chunk of RAM moves EepromRead too, at the address on the wire; later comparisons count on it.
-void snscom::NoteWritten(const Chunk& chunk, bool isEeprom) {
+void snscom::NoteWritten(const Chunk& chunk, bool isEeprom, std::span<const std::uint8_t> written) {
   constexpr int kBankSize = 128;
   const int first = !isEeprom && chunk.address >= kBankSize ? chunk.address - kBankSize : chunk.address;
   for (int k = 0; k < chunk.count; ++k) {
     const auto at = static_cast<std::size_t>(first + k);
-    image_.EepromRead.at(at) = image_.EepromImage.at(at);
+    // An edit may have changed the image while the sensor's answer was awaited: what went out counts.
+    image_.EepromRead.at(at) = isEeprom ? written[static_cast<std::size_t>(k)] : image_.EepromImage.at(at);
   }
 }
 
@@ -401,8 +350,8 @@ bool snscom::Command(std::int32_t operation) {
     ++attempt;
     link_.Discard();
     link_.Send({&rts, 1});
-    if (!TakeClearToReceive(kCommandClearLimit)) continue;
-    link_.Pause(kPauseAfterClear);
+    if (!kibus::TakeClearToReceive(link_, kCommandClearLimit)) continue;
+    link_.Pause(kibus::kPauseAfterClear);
     link_.Discard();
     const auto generation = GetProtocolGeneration();
     if (generation == 0) return false;
@@ -410,18 +359,8 @@ bool snscom::Command(std::int32_t operation) {
     const auto frame = kibus::CommandFrame(operation, generation);
     if (frame) link_.SendSingly(*frame);
     session_.BusBusyText = TextsOf(operation).busy;
-    if (link_.WaitForBytes(1, kCommandReplyLimit) && TakeStatus()) return true;
+    if (link_.WaitForBytes(1, kCommandReplyLimit) && kibus::TakeStatus(session_, link_)) return true;
   }
-}
-
-bool snscom::TakeClearToReceive(int limit) {
-  return link_.WaitForBytes(1, limit) && link_.Read().at(0) == kibus::kClearToReceive;
-}
-
-bool snscom::TakeStatus() {
-  const auto status = link_.Read().at(0);
-  if (status == kibus::kAckWithFlag) session_.NakSeen = true;
-  return kibus::IsAck(status);
 }
 
 void snscom::ShowProgress(int done, int total) {

@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
+#include "comm/Exchange.h"
 #include "comm/SensorImage.h"
 #include "comm/SerialLink.h"
 #include "comm/kibus.h"
@@ -67,20 +69,20 @@ class snscom {
   bool Read(const Selection& selection, bool isEeprom, std::uint8_t retries, ReadRecord& record);
   bool ReadChunk(const kibus::Chunk& chunk, bool isEeprom, kibus::AddressForm form, std::uint8_t retries,
                  ReadRecord& record);
-  bool TakeReply(const kibus::Chunk& chunk, bool isEeprom, ReadRecord& record);
+  /// With the sensor that SensorId names; an error ends the retries of a read.
+  kibus::Exchange Exchanges();
   void StoreRead(int address, bool isEeprom, std::uint8_t value);
 
   bool Write(const Selection& selection, bool isEeprom, bool saveAfter, bool unlockFirst, bool lockAfter,
              bool forceAll);
-  bool WriteChunk(const kibus::Chunk& chunk, bool isEeprom, kibus::AddressForm form);
+  /// The bytes that went out, none if they did not.
+  std::vector<std::uint8_t> WriteChunk(const kibus::Chunk& chunk, bool isEeprom, kibus::AddressForm form);
   bool CompleteWords(std::vector<bool>& flags);
-  void NoteWritten(const kibus::Chunk& chunk, bool isEeprom);
+  void NoteWritten(const kibus::Chunk& chunk, bool isEeprom, std::span<const std::uint8_t> written);
   bool FinishWrite(bool isEeprom, bool saveAfter, bool lockAfter);
 
   bool Command(std::int32_t operation);
   bool ResetTmoCounter();
-  bool TakeClearToReceive(int limit);
-  bool TakeStatus();
   void ShowProgress(int done, int total);
 
   Session& session_;

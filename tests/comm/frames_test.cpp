@@ -67,6 +67,14 @@ TEST(ReadRequest, OfLongEepromHasTwoAddressBytes) {
   EXPECT_THAT(ReadRequest(AddressForm::L, {1022, 2}), ElementsAre(138, 3, 254, 139));
 }
 
+TEST(ReadRequest, OfWideRamHasBothBitsThatNoOtherRequestHas) {
+  // 128 + 48 + count; 260 = 1 x 256 + 4.
+  EXPECT_THAT(ReadRequest(AddressForm::RL, {260, 1}), ElementsAre(177, 1, 4, 182));
+  EXPECT_THAT(ReadRequest(AddressForm::RL, {304, 2}), ElementsAre(178, 1, 48, 227));
+  EXPECT_THAT(ReadRequest(AddressForm::RL, {383, 1}), ElementsAre(177, 1, 127, 49));   // 305 less 256
+  EXPECT_THAT(ReadRequest(AddressForm::RL, {508, 4}), ElementsAre(180, 1, 252, 177));  // 433 less 256
+}
+
 TEST(WriteFrame, OfRamNamesTheBank) {
   EXPECT_THAT(WriteFrame(AddressForm::R, 31, Data{2, 15}), ElementsAre(2, 31, 2, 15, 50));
   EXPECT_THAT(WriteFrame(AddressForm::R, 208, Data{7}), ElementsAre(65, 80, 7, 152));
@@ -87,6 +95,25 @@ TEST(WriteFrame, OfLongEepromHasTwoAddressBytes) {
   EXPECT_THAT(WriteFrame(AddressForm::L, 16, Data{5}), ElementsAre(9, 0, 16, 5, 30));
   EXPECT_THAT(WriteFrame(AddressForm::L, 844, Data{63, 255, 19, 136}),
               ElementsAre(12, 3, 76, 63, 255, 19, 136, 52));
+}
+
+TEST(WriteFrame, OfWideRamHasBothBitsThatNoOtherFrameHas) {
+  EXPECT_THAT(WriteFrame(AddressForm::RL, 304, Data{0, 2}), ElementsAre(50, 1, 48, 0, 2, 101));
+  EXPECT_THAT(WriteFrame(AddressForm::RL, 256, Data{9}), ElementsAre(49, 1, 0, 9, 59));
+}
+
+TEST(WideRam, LooksLikeNoCommand) {
+  for (const std::uint8_t generation : {1, 2}) {
+    for (int operation = 0; operation < 6; ++operation) {
+      const auto command = CommandFrame(operation, generation);
+      if (!command) continue;
+      for (int count = 1; count <= 4; ++count) {
+        EXPECT_NE(ReadRequest(AddressForm::RL, {256, count}).front(), command->front());
+        EXPECT_NE(WriteFrame(AddressForm::RL, 256, Data(static_cast<std::size_t>(count))).front(),
+                  command->front());
+      }
+    }
+  }
 }
 
 TEST(CommandFrame, OfTheFirstGeneration) {
