@@ -2,8 +2,8 @@
 # Sourced by ./run and ./test: installs what Debian packages are missing.
 
 # The charts' package finds nothing without libqt6opengl6-dev, and does not ask for it.
-build_packages="cmake ninja-build g++ qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev libcli11-dev nlohmann-json3-dev"
-test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang clang-format clang-tidy libclang-rt-14-dev socat xvfb xauth"
+build_packages="cmake ninja-build g++ qt6-base-dev qt6-charts-dev libqt6opengl6-dev qt6-serialport-dev qt6-serialbus-dev libmodbus-dev libcli11-dev nlohmann-json3-dev"
+test_packages="libgtest-dev libgmock-dev libbenchmark-dev clang clang-format clang-tidy libclang-rt-14-dev socat mbpoll xvfb xauth"
 
 require_packages() {
   missing=""

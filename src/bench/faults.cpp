@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "bench/modbus_frame.h"
 #include "bench/wire_frame.h"
 
 namespace brelant::bench {
@@ -20,11 +21,18 @@ milliseconds PatienceFor(ReplyKind kind) {
     case ReplyKind::kData:
       return milliseconds(200);
     case ReplyKind::kWritten:
+    case ReplyKind::kModbus:
       return milliseconds(1000);
     case ReplyKind::kCommandDone:
       break;
   }
   return milliseconds(3000);
+}
+
+void RefuseModbus(SpoiltReply& reply) {
+  constexpr std::uint8_t kDeviceFailure = 4;
+  reply.bytes = ModbusException(reply.bytes, kDeviceFailure);
+  reply.refused = true;
 }
 
 void FlagStatus(std::vector<std::uint8_t>& reply) {
@@ -67,7 +75,11 @@ SpoiltReply FaultMaker::Spoil(std::vector<std::uint8_t> reply, ReplyKind kind) {
   if (Happens(rates_.hang_up)) return {.lost = true, .hung_up = true, .touched = true};
   if (Happens(rates_.silence)) return {.lost = true, .touched = true};
   if (kind != ReplyKind::kClearToReceive && Happens(rates_.nak)) {
-    FlagStatus(result.bytes);
+    if (kind == ReplyKind::kModbus) {
+      RefuseModbus(result);
+    } else {
+      FlagStatus(result.bytes);
+    }
     result.touched = true;
   }
   if (Happens(rates_.wrong_byte)) {

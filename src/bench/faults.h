@@ -17,12 +17,12 @@ struct FaultRates {
   double late = 0;         ///< the reply comes after the host has stopped waiting for it
   double short_reply = 0;  ///< the last byte or bytes are missing
   double noise = 0;        ///< stray bytes before the reply or in its place
-  double nak = 0;          ///< 134 for 6, with a checksum that fits
+  double nak = 0;          ///< 134 for 6, with a checksum that fits; on Modbus exception 4
   double hang_up = 0;      ///< the device is gone
 };
 
 /// What a reply answers; it decides how long the host waits for it.
-enum class ReplyKind { kClearToReceive, kData, kWritten, kCommandDone };
+enum class ReplyKind { kClearToReceive, kData, kWritten, kCommandDone, kModbus };
 
 /// What becomes of one reply.
 struct SpoiltReply {
@@ -30,6 +30,7 @@ struct SpoiltReply {
   LineTime delay{};
   bool lost = false;  ///< nothing of the reply itself is sent
   bool hung_up = false;
+  bool refused = false;  ///< a Modbus exception in place of the reply; the request is not carried out
   bool touched = false;  ///< a fault fired
 };
 

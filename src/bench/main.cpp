@@ -7,12 +7,14 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "bench/modbus_unit.h"
 #include "bench/pty_server.h"
 #include "bench/virtual_sensor.h"
 #include "bench/whole_file.h"
@@ -20,6 +22,8 @@
 namespace {
 
 using brelant::bench::FaultRates;
+using brelant::bench::LineEnd;
+using brelant::bench::SensorSetup;
 using brelant::bench::VirtualSensor;
 
 constexpr int kFailed = 1;
@@ -40,8 +44,8 @@ struct Options {
 void Describe(CLI::App& app, Options& options) {
   app.add_option("--part", options.part, "the part number that the sensor reports")->required();
   app.add_option("--variant", options.variant, "the product variant, if not the usual one");
-  app.add_option("--id", options.id, "the bus ID, 1 to 29");
-  app.add_flag("--modbus", options.modbus, "speak Modbus");
+  app.add_option("--id", options.id, "the bus ID, 1 to 29; on Modbus the unit's address");
+  app.add_flag("--modbus", options.modbus, "speak Modbus RTU (part number 154 only)");
   app.add_option("--link", options.link, "make PATH a link to the device")->type_name("PATH");
   app.add_option("--image", options.image, "keep the sensor's memory in FILE")->type_name("FILE");
   app.add_flag("--pace", options.pace, "keep the line's 9600 bit/s");
@@ -85,14 +89,17 @@ FaultRates ParseFaults(const std::vector<std::string>& texts) {
   return rates;
 }
 
-VirtualSensor MakeSensor(const Options& options) {
-  if (options.modbus) throw std::invalid_argument("This virtual sensor does not speak Modbus yet.");
-  VirtualSensor sensor({.part = options.part,
-                        .variant = options.variant,
-                        .id = options.id.value_or(1),
-                        .pace = options.pace,
-                        .faults = ParseFaults(options.faults),
-                        .seed = options.seed});
+SensorSetup SetupOf(const Options& options) {
+  return {.part = options.part,
+          .variant = options.variant,
+          .id = options.id.value_or(1),
+          .pace = options.pace,
+          .faults = ParseFaults(options.faults),
+          .seed = options.seed};
+}
+
+VirtualSensor MakeSensor(const SensorSetup& setup, const Options& options) {
+  VirtualSensor sensor(setup);
   if (!options.image) return sensor;
   const auto image = brelant::bench::ReadWhole(*options.image);
   if (image && !sensor.Restore(*image)) {
@@ -102,8 +109,8 @@ VirtualSensor MakeSensor(const Options& options) {
   return sensor;
 }
 
-void Serve(VirtualSensor& sensor, const Options& options) {
-  brelant::bench::PtyServer server(sensor, options.pace);
+void Serve(VirtualSensor& sensor, LineEnd& unit, const Options& options) {
+  brelant::bench::PtyServer server(unit, options.pace);
   std::optional<brelant::bench::DeviceLink> link;
   if (options.link) link.emplace(*options.link, server.DeviceName());
   std::cout << server.DeviceName() << std::endl;
@@ -127,8 +134,11 @@ int main(int argc, char** argv) {
     return app.exit(error) == 0 ? 0 : kBadOptions;
   }
   try {
-    VirtualSensor sensor = MakeSensor(options);
-    Serve(sensor, options);
+    const SensorSetup setup = SetupOf(options);
+    VirtualSensor sensor = MakeSensor(setup, options);
+    std::unique_ptr<LineEnd> modbus;
+    if (options.modbus) modbus = brelant::bench::MakeModbusUnit(sensor, setup);
+    Serve(sensor, modbus ? *modbus : sensor, options);
     return 0;
   } catch (const std::invalid_argument& error) {
     std::cerr << error.what() << '\n';

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,7 +13,7 @@ using ConstBytes = std::span<const std::uint8_t>;
 
 /// A sensor's memories.
 struct Memory {
-  std::array<std::uint8_t, 256> ram{};
+  std::vector<std::uint8_t> ram;
   std::vector<std::uint8_t> eeprom;
 };
 

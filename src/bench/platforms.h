@@ -23,10 +23,12 @@ void FillPlatform5(const Product& product, Memory& memory);
 void FillPlatform6(const Product& product, Memory& memory);
 void FillPlatform61(const Product& product, Memory& memory);
 void FillPlatform7(const Product& product, Memory& memory);
+void FillPlatform9(const Product& product, Memory& memory);
 
 void MovePlatform5(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform6(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform61(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform7(const Product& product, Memory& memory, const Moment& moment);
+void MovePlatform9(const Product& product, Memory& memory, const Moment& moment);
 
 }  // namespace brelant::bench

@@ -16,6 +16,7 @@ constexpr int Subgroup(int part) {
 
 int UsualVariant(int part, int platform) {
   if (platform == 7) return 2;
+  if (platform == 9) return 3;
   if (platform != 6) return 0;
   if (part == 221) return 5;
   return part == 222 || part == 223 ? 1 : 0;
@@ -23,6 +24,7 @@ int UsualVariant(int part, int platform) {
 
 int GenerationOf(int part, int platform) {
   if (platform == 5) return Subgroup(part) == 0 ? 2 : 1;
+  if (platform == 9) return 0;
   return platform == 6 ? 1 : 2;
 }
 
@@ -32,6 +34,8 @@ std::vector<SettingsWindow> SettingsOf(int platform) {
       return {{28, 28, 40}, {128, 128, 69}, {201, 201, 33}};
     case 7:
       return {{16, 192, 16}};
+    case 9:
+      return {{4160, 208, 1}};
     default:
       return {{32, 208, 14}};
   }
@@ -63,25 +67,29 @@ Product MakeProduct(int part, std::optional<int> variant) {
   if (platform == 0) {
     throw std::invalid_argument("Part number " + std::to_string(part) + " belongs to no platform.");
   }
-  if (platform == 8 || platform == 9) {
-    throw std::invalid_argument("This virtual sensor does not speak platform " + std::to_string(platform) +
-                                " yet.");
-  }
+  if (platform == 8) throw std::invalid_argument("This virtual sensor does not speak platform 8 yet.");
   Product product{.part = part,
                   .platform = platform,
                   .generation = GenerationOf(part, platform),
                   .variant = variant.value_or(UsualVariant(part, platform)),
+                  .ram_size = 256,
                   .eeprom_size = 512,
-                  .eeprom_form = AddressForm::kWords,
+                  .address_form = AddressForm::kWords,
                   .id_in_ram = 208,
                   .id_in_eeprom = 32,
                   .settings = SettingsOf(platform)};
   if (platform == 5) product.id_in_eeprom = 208;
   if (platform == 7) {
     product.eeprom_size = 1024;
-    product.eeprom_form = AddressForm::kLong;
+    product.address_form = AddressForm::kLong;
     product.id_in_ram = 192;
     product.id_in_eeprom = 16;
+  }
+  if (platform == 9) {
+    product.ram_size = 512;
+    product.eeprom_size = 8192;
+    product.address_form = AddressForm::kLongAndWideRam;
+    product.id_in_eeprom = 4160;
   }
   return product;
 }

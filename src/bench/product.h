@@ -7,8 +7,9 @@
 
 namespace brelant::bench {
 
-/// How an EEPROM address travels: halved in one byte, or whole in two.
-enum class AddressForm { kWords, kLong };
+/// How an EEPROM address travels: halved in one byte, or whole in two. In the last form an address in RAM can
+/// travel whole in two bytes as well.
+enum class AddressForm { kWords, kLong, kLongAndWideRam };
 
 /// Settings that a sensor runs on in RAM and keeps in EEPROM.
 struct SettingsWindow {
@@ -20,14 +21,19 @@ struct SettingsWindow {
 /// What a part number says about a sensor (docs/memory-maps.md).
 struct Product {
   int part;
-  int platform;    ///< 5, 6, 61 or 7
-  int generation;  ///< 1 or 2
+  int platform;    ///< 5, 6, 61, 7 or 9
+  int generation;  ///< 1 or 2; 0: there are no command frames
   int variant;
+  std::size_t ram_size;
   std::size_t eeprom_size;
-  AddressForm eeprom_form;
+  AddressForm address_form;
   std::size_t id_in_ram;
   std::size_t id_in_eeprom;
   std::vector<SettingsWindow> settings;
+
+  /// Lock, save and the other operations of command frames. Without them settings are in EEPROM at once, and
+  /// count from the next start.
+  bool HasCommands() const { return generation != 0; }
 };
 
 /// The platform number of a part number, 0 if it has none.

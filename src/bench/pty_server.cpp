@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/pty_server.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -25,11 +26,6 @@ constexpr std::chrono::microseconds kLivePeriod = std::chrono::milliseconds(200)
 // seen as a slower line. So a paced sensor stays awake from the host's last byte past the end of its
 // exchange.
 constexpr std::chrono::microseconds kAwake = std::chrono::milliseconds(20);
-
-int Checked(int result, const char* what) {
-  if (result < 0) throw std::system_error(errno, std::generic_category(), what);
-  return result;
-}
 
 Descriptor OpenController() {
   Descriptor controller(Checked(posix_openpt(O_RDWR | O_NOCTTY), "posix_openpt"));
@@ -72,17 +68,6 @@ timespec Span(std::chrono::microseconds span) {
 
 }  // namespace
 
-Descriptor::Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-  std::swap(fd_, other.fd_);
-  return *this;
-}
-
-Descriptor::~Descriptor() {
-  if (fd_ >= 0) close(fd_);
-}
-
 DeviceLink::DeviceLink(std::filesystem::path path, std::filesystem::path device)
     : path_(std::move(path)), device_(std::move(device)) {
   if (std::filesystem::is_symlink(path_)) std::filesystem::remove(path_);
@@ -94,8 +79,8 @@ DeviceLink::~DeviceLink() {
   if (std::filesystem::read_symlink(path_, ignored) == device_) std::filesystem::remove(path_, ignored);
 }
 
-PtyServer::PtyServer(VirtualSensor& sensor, bool paced)
-    : sensor_(sensor),
+PtyServer::PtyServer(LineEnd& unit, bool paced)
+    : unit_(unit),
       paced_(paced),
       controller_(OpenController()),
       name_(DeviceNameOf(controller_)),
@@ -107,12 +92,12 @@ PtyServer::PtyServer(VirtualSensor& sensor, bool paced)
 }
 
 void PtyServer::Serve(const std::function<void()>& after_save) {
-  int saves = sensor_.Count().saves;
-  while (!sensor_.HungUp() && Wait()) {
+  int saves = unit_.Saves();
+  while (!unit_.HungUp() && Wait()) {
     TakeBytes();
     SendDueBytes();
-    if (sensor_.Count().saves == saves) continue;
-    saves = sensor_.Count().saves;
+    if (unit_.Saves() == saves) continue;
+    saves = unit_.Saves();
     after_save();
   }
   controller_ = Descriptor();
@@ -142,11 +127,11 @@ void PtyServer::TakeBytes() {
   const Time now = Now();
   if (paced_) awake_until_ = now + kAwake;
   if (!moved_ || now - *moved_ >= kLivePeriod) {
-    sensor_.Advance(now);
+    unit_.Advance(now);
     moved_ = now;
   }
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) sensor_.Receive(bytes[i], now);
-  const std::vector<TimedByte> reply = sensor_.TakeReply();
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) unit_.Receive(bytes[i], now);
+  const std::vector<TimedByte> reply = unit_.TakeReply();
   waiting_.insert(waiting_.end(), reply.begin(), reply.end());
 }
 

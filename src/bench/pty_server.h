@@ -2,27 +2,16 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
 
-#include "bench/virtual_sensor.h"
+#include "bench/descriptor.h"
+#include "bench/line_end.h"
 
 namespace brelant::bench {
-
-/// A file descriptor that closes itself.
-class Descriptor {
- public:
-  explicit Descriptor(int fd = -1) : fd_(fd) {}
-  Descriptor(Descriptor&& other) noexcept;
-  Descriptor& operator=(Descriptor&& other) noexcept;
-  ~Descriptor();
-  int Get() const { return fd_; }
-
- private:
-  int fd_;
-};
 
 /// A symbolic link that goes when its maker goes.
 class DeviceLink {
@@ -39,16 +28,16 @@ class DeviceLink {
   std::filesystem::path device_;
 };
 
-/// A sensor at the far end of a pseudo-terminal. Needs SIGINT and SIGTERM for itself.
+/// A unit at the far end of a pseudo-terminal. Needs SIGINT and SIGTERM for itself.
 class PtyServer {
  public:
-  /// Opens the pseudo-terminal. `paced`: the sensor keeps the line's speed, so the server keeps its moments
+  /// Opens the pseudo-terminal. `paced`: the unit keeps the line's speed, so the server keeps its moments
   /// closely. Throws std::system_error.
-  PtyServer(VirtualSensor& sensor, bool paced);
+  PtyServer(LineEnd& unit, bool paced);
 
   const std::string& DeviceName() const { return name_; }
 
-  /// Serves until SIGINT or SIGTERM comes or the sensor hangs up. `after_save` is called when the host has
+  /// Serves until SIGINT or SIGTERM comes or the unit hangs up. `after_save` is called when the host has
   /// had settings saved. Throws std::system_error.
   void Serve(const std::function<void()>& after_save);
 
@@ -60,7 +49,7 @@ class PtyServer {
   void TakeBytes();
   void SendDueBytes();
 
-  VirtualSensor& sensor_;
+  LineEnd& unit_;
   bool paced_;
   Time awake_until_{};
   Descriptor controller_;

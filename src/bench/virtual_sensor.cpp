@@ -18,31 +18,32 @@ constexpr std::size_t kPart = 65;
 constexpr std::size_t kHalfOfRam = 128;
 constexpr std::size_t kPage = 16;
 constexpr std::size_t kFramesKept = 10000;
-// Longer than any pause that a host makes within an exchange.
-constexpr LineTime kSilence = std::chrono::milliseconds(50);
+constexpr std::size_t kMostWide = 4;
 
 // No message frame begins with such a byte, so a host that starts over is understood at once.
 bool IsAnyRequest(std::uint8_t byte) {
   return byte >= kRequestBase && byte <= kBroadcast;
 }
 
-bool FitsRam(const Frame& frame) {
+bool FitsRam(const Frame& frame, const Product& product) {
+  if (frame.wide) return frame.count <= kMostWide && frame.address + frame.count <= product.ram_size;
   return frame.bytes[1] < kHalfOfRam && frame.address + frame.count <= 2 * kHalfOfRam;
 }
 
-// A read does not get across the middle of RAM; a write does.
-bool InOneHalfOfRam(const Frame& frame) {
-  return FitsRam(frame) && frame.address % kHalfOfRam + frame.count <= kHalfOfRam;
+// A read by halves does not get across the middle of RAM; a write does.
+bool MayReadRam(const Frame& frame, const Product& product) {
+  if (!FitsRam(frame, product)) return false;
+  return frame.wide || frame.address % kHalfOfRam + frame.count <= kHalfOfRam;
 }
 
 bool FitsEeprom(const Frame& frame, const Product& product) {
-  if (product.eeprom_form == AddressForm::kWords && frame.count % 2 != 0) return false;
+  if (product.address_form == AddressForm::kWords && frame.count % 2 != 0) return false;
   return frame.address + frame.count <= product.eeprom_size;
 }
 
 // The larger EEPROM takes a write by pages, and what leaves a page comes in again at its beginning.
 std::size_t PlaceOf(const Frame& frame, const Product& product, std::size_t i) {
-  if (product.eeprom_form == AddressForm::kWords) return frame.address + i;
+  if (product.address_form == AddressForm::kWords) return frame.address + i;
   return frame.address / kPage * kPage + (frame.address + i) % kPage;
 }
 
@@ -56,35 +57,42 @@ int CheckedId(int id) {
 VirtualSensor::VirtualSensor(const SensorSetup& setup)
     : product_(MakeProduct(setup.part, setup.variant)),
       faults_(setup.faults, setup.seed),
-      byte_time_(setup.pace ? kByteAt9600 : LineTime::zero()) {
+      line_(setup.pace),
+      locked_(product_.HasCommands()) {
+  memory_.ram.resize(product_.ram_size);
   memory_.eeprom.resize(product_.eeprom_size);
   FillMemory(product_, CheckedId(setup.id), memory_);
   MoveLiveValues(product_, memory_, moment_);
 }
 
 void VirtualSensor::Receive(std::uint8_t byte, std::chrono::microseconds now) {
-  if (hung_up_) return;
-  const LineTime begin = std::max<LineTime>(now, heard_);
-  ForgetIfSilent(begin);
-  heard_ = begin + byte_time_;
-  if (heard_ < busy_until_) return;
+  if (HungUp()) return;
+  MindTasks(now);
+  const LineClock::Arrival arrival = line_.Hear(now);
+  if (arrival.after_silence) {
+    clear_to_receive_ = false;
+    incoming_.clear();
+  }
+  if (!arrival.listening) return;
   if (incoming_.empty() && IsAnyRequest(byte)) {
     TakeRequest(byte);
   } else if (clear_to_receive_) {
     incoming_.push_back(byte);
-    if (incoming_.size() < FrameLength(incoming_.front(), product_.eeprom_form)) return;
+    if (incoming_.size() < FrameLength(incoming_.front(), product_.address_form)) return;
     clear_to_receive_ = false;
     TakeFrame(std::exchange(incoming_, {}));
+    MindTasks(now);
   }
-}
-
-std::vector<TimedByte> VirtualSensor::TakeReply() {
-  return std::exchange(outgoing_, {});
 }
 
 void VirtualSensor::Advance(std::chrono::microseconds now) {
   moment_.seconds = std::chrono::duration<double>(now).count();
+  MindTasks(now);
   MoveLiveValues(product_, memory_, moment_);
+}
+
+void VirtualSensor::MindTasks(std::chrono::microseconds now) {
+  if (product_.platform == 9) tank_.Mind(memory_, std::chrono::duration<double>(now).count());
 }
 
 std::vector<std::uint8_t> VirtualSensor::Image() const {
@@ -98,9 +106,11 @@ bool VirtualSensor::Restore(std::span<const std::uint8_t> image) {
     return false;
   std::ranges::copy(image.first(memory_.ram.size()), memory_.ram.begin());
   std::ranges::copy(image.subspan(memory_.ram.size()), memory_.eeprom.begin());
-  locked_ = true;
+  locked_ = product_.HasCommands();
+  if (!product_.HasCommands()) SettingsToRam(product_, memory_);
   clear_to_receive_ = false;
   incoming_.clear();
+  tank_ = {};
   return true;
 }
 
@@ -111,12 +121,6 @@ int VirtualSensor::Id() const {
 void VirtualSensor::SetId(int id) {
   memory_.ram[product_.id_in_ram] = static_cast<std::uint8_t>(CheckedId(id));
   memory_.eeprom[product_.id_in_eeprom] = memory_.ram[product_.id_in_ram];
-}
-
-void VirtualSensor::ForgetIfSilent(LineTime begin) {
-  if (begin - std::max(heard_, sent_) <= kSilence) return;
-  clear_to_receive_ = false;
-  incoming_.clear();
 }
 
 void VirtualSensor::TakeRequest(std::uint8_t byte) {
@@ -132,7 +136,7 @@ void VirtualSensor::TakeFrame(const std::vector<std::uint8_t>& bytes) {
   if (frames_.size() > kFramesKept) frames_.pop_front();
   if (!ChecksumHolds(bytes)) {
     ++counters_.wrong_checksums;
-  } else if (!CarryOut(ParseFrame(bytes, product_.eeprom_form))) {
+  } else if (!CarryOut(ParseFrame(bytes, product_.address_form))) {
     ++counters_.refused;
   }
 }
@@ -159,7 +163,7 @@ bool VirtualSensor::CarryOut(const Frame& frame) {
 
 bool VirtualSensor::ReadMemory(const Frame& frame) {
   const bool of_ram = frame.kind == FrameKind::kReadRam;
-  if (of_ram && !InOneHalfOfRam(frame)) return false;
+  if (of_ram && !MayReadRam(frame, product_)) return false;
   if (!of_ram && !FitsEeprom(frame, product_)) return false;
   const Bytes memory = of_ram ? Ram() : Eeprom();
   const Bytes data = memory.subspan(frame.address, frame.count);
@@ -172,7 +176,7 @@ bool VirtualSensor::ReadMemory(const Frame& frame) {
 
 bool VirtualSensor::WriteMemory(const Frame& frame) {
   if (frame.kind == FrameKind::kWriteRam) {
-    if (!FitsRam(frame)) return false;
+    if (!FitsRam(frame, product_)) return false;
     std::ranges::copy(frame.data, Ram().subspan(frame.address).begin());
   } else {
     if (locked_ || !FitsEeprom(frame, product_)) return false;
@@ -216,14 +220,7 @@ void VirtualSensor::Run(Operation operation) {
 bool VirtualSensor::Send(std::vector<std::uint8_t> bytes, ReplyKind kind) {
   const SpoiltReply reply = faults_.Spoil(std::move(bytes), kind);
   if (reply.touched) ++counters_.faults;
-  hung_up_ = reply.hung_up;
-  if (hung_up_) outgoing_.clear();
-  sent_ = std::max(sent_, heard_ + reply.delay);
-  for (const std::uint8_t byte : reply.bytes) {
-    sent_ += byte_time_;
-    outgoing_.push_back({std::chrono::ceil<std::chrono::microseconds>(sent_), byte});
-  }
-  if (reply.delay > LineTime::zero()) busy_until_ = sent_;
+  line_.Send(reply);
   return !reply.lost;
 }
 

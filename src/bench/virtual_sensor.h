@@ -11,22 +11,18 @@
 
 #include "bench/atmosphere.h"
 #include "bench/faults.h"
-#include "bench/line_time.h"
+#include "bench/line_clock.h"
+#include "bench/line_end.h"
 #include "bench/memory.h"
+#include "bench/platform_9.h"
 #include "bench/product.h"
 #include "bench/wire_frame.h"
 
 namespace brelant::bench {
 
-struct TimedByte {
-  std::chrono::microseconds at;
-  std::uint8_t value;
-  bool operator==(const TimedByte&) const = default;
-};
-
 /// What the virtual sensor is to be.
 struct SensorSetup {
-  /// The part number, a byte. It must lie in platform 5, 6, 61 or 7 (docs/memory-maps.md).
+  /// The part number, a byte. It must lie in platform 5, 6, 61, 7 or 9 (docs/memory-maps.md).
   int part;
   /// The product variant; without it one that suits the part number.
   std::optional<int> variant = std::nullopt;
@@ -39,9 +35,9 @@ struct SensorSetup {
   std::uint32_t seed = 1;
 };
 
-/// A sensor at the far end of a KiBus line (docs/protocol.md), on whatever clock its user has. Turnaround is
-/// zero: a reply begins when the last byte of what it answers has arrived.
-class VirtualSensor {
+/// A sensor at the far end of a KiBus line (docs/protocol.md). Turnaround is zero: a reply begins when the
+/// last byte of what it answers has arrived.
+class VirtualSensor : public LineEnd {
  public:
   /// What came in, counted.
   struct Counters {
@@ -57,20 +53,18 @@ class VirtualSensor {
   /// Throws std::invalid_argument, with a text for people, for a setup that cannot be.
   explicit VirtualSensor(const SensorSetup& setup);
 
-  /// The host put `byte` on the line at `now`; `now` must not fall from call to call.
-  void Receive(std::uint8_t byte, std::chrono::microseconds now);
+  void Receive(std::uint8_t byte, std::chrono::microseconds now) override;
+  std::vector<TimedByte> TakeReply() override { return line_.TakeReply(); }
+  bool HungUp() const override { return line_.HungUp(); }
+  void Advance(std::chrono::microseconds now) override;
+  int Saves() const override { return counters_.saves; }
 
-  /// What the sensor sends since the last call, each byte with the moment its last bit reaches the host, in
-  /// order of time. A moment may lie ahead of the last `now`.
-  std::vector<TimedByte> TakeReply();
+  /// Carries out what a word in memory asks for and is due at `now`. Receive and Advance do so too; whoever
+  /// writes into the memories in another way calls it before and after.
+  void MindTasks(std::chrono::microseconds now);
 
-  /// The device was pulled off on purpose (the fault `hang_up`); from then on nothing is heard or sent.
-  bool HungUp() const { return hung_up_; }
-
-  /// Moves the live values to what they are at `now`. Receive leaves them as they are.
-  void Advance(std::chrono::microseconds now);
-
-  /// The memories themselves, to look at and to poke: 256 bytes of RAM, 512 or 1024 of EEPROM.
+  /// The memories themselves, to look at and to poke: 256 bytes of RAM, or 512; 512 bytes of EEPROM, 1024 or
+  /// 8192.
   std::span<std::uint8_t> Ram() { return memory_.ram; }
   std::span<std::uint8_t> Eeprom() { return memory_.eeprom; }
 
@@ -80,14 +74,14 @@ class VirtualSensor {
   /// part number is not this sensor's.
   bool Restore(std::span<const std::uint8_t> image);
 
-  /// The EEPROM's write protection; on after power-on.
+  /// The EEPROM's write protection; on after power-on. A sensor without command frames has none.
   bool Locked() const { return locked_; }
   /// The bus ID in force, as RAM holds it.
   int Id() const;
   void SetId(int id);
 
   int Platform() const { return product_.platform; }
-  /// The command set that it understands, 1 or 2.
+  /// The command set that it understands, 1 or 2; 0 if there is none.
   int Generation() const { return product_.generation; }
 
   /// The complete message frames that followed a clear-to-receive, good or bad, oldest first. Only the newest
@@ -97,7 +91,6 @@ class VirtualSensor {
   const Counters& Count() const { return counters_; }
 
  private:
-  void ForgetIfSilent(LineTime begin);
   void TakeRequest(std::uint8_t byte);
   void TakeFrame(const std::vector<std::uint8_t>& bytes);
   bool CarryOut(const Frame& frame);
@@ -110,15 +103,11 @@ class VirtualSensor {
   Memory memory_;
   Moment moment_;
   FaultMaker faults_;
-  LineTime byte_time_;
-  bool locked_ = true;
-  bool hung_up_ = false;
+  LineClock line_;
+  TankCalibration tank_;
+  bool locked_;
   bool clear_to_receive_ = false;
   std::vector<std::uint8_t> incoming_;
-  std::vector<TimedByte> outgoing_;
-  LineTime heard_{};       // the last bit of the newest byte from the host
-  LineTime sent_{};        // the last bit of the newest byte to the host
-  LineTime busy_until_{};  // a sensor that is late does not listen meanwhile
   std::deque<std::vector<std::uint8_t>> frames_;
   Counters counters_;
 };

@@ -40,51 +40,61 @@ std::optional<Operation> Find(std::span<const Command> set, std::span<const std:
   return found->operation;
 }
 
-bool IsTransfer(unsigned first) {
+bool IsWide(unsigned first, AddressForm form) {
+  return form == AddressForm::kLongAndWideRam &&
+         (first & (kNoTransfer | kUpperRam | kEeprom)) == kNoTransfer && (first & kCount) != 0;
+}
+
+bool IsTransfer(unsigned first, AddressForm form) {
+  if (IsWide(first, form)) return true;
   const bool both_memories = (first & kUpperRam) != 0 && (first & kEeprom) != 0;
   return (first & kNoTransfer) == 0 && (first & kCount) != 0 && !both_memories;
 }
 
-FrameKind KindOf(unsigned first) {
-  if (!IsTransfer(first)) return FrameKind::kCommand;
+FrameKind KindOf(unsigned first, AddressForm form) {
+  if (!IsTransfer(first, form)) return FrameKind::kCommand;
   if ((first & kEeprom) != 0) return (first & kRead) != 0 ? FrameKind::kReadEeprom : FrameKind::kWriteEeprom;
   return (first & kRead) != 0 ? FrameKind::kReadRam : FrameKind::kWriteRam;
 }
 
-bool OfEeprom(FrameKind kind) {
-  return kind == FrameKind::kReadEeprom || kind == FrameKind::kWriteEeprom;
-}
 bool IsWrite(FrameKind kind) {
   return kind == FrameKind::kWriteRam || kind == FrameKind::kWriteEeprom;
 }
 
-std::size_t AddressBytes(FrameKind kind, AddressForm form) {
-  return OfEeprom(kind) && form == AddressForm::kLong ? 2 : 1;
+std::size_t AddressBytes(unsigned first, AddressForm form) {
+  const bool long_eeprom = (first & kEeprom) != 0 && form != AddressForm::kWords;
+  return long_eeprom || IsWide(first, form) ? 2 : 1;
 }
 
-std::size_t AddressOf(FrameKind kind, std::span<const std::uint8_t> bytes, AddressForm form) {
-  if (!OfEeprom(kind)) return bytes[1] + ((bytes[0] & kUpperRam) != 0 ? 128U : 0U);
-  return form == AddressForm::kLong ? bytes[1] * 256U + bytes[2] : bytes[1] * 2U;
+std::size_t AddressOf(std::span<const std::uint8_t> bytes, AddressForm form) {
+  if (AddressBytes(bytes[0], form) == 2) return std::size_t{256} * bytes[1] + bytes[2];
+  if ((bytes[0] & kEeprom) != 0) return std::size_t{2} * bytes[1];
+  return bytes[1] + ((bytes[0] & kUpperRam) != 0 ? 128U : 0U);
 }
 
 }  // namespace
 
-std::size_t FrameLength(std::uint8_t first, AddressForm eeprom_form) {
-  const FrameKind kind = KindOf(first);
+std::size_t FrameLength(std::uint8_t first, AddressForm form) {
+  const FrameKind kind = KindOf(first, form);
   if (kind == FrameKind::kCommand) return 3;
-  return 1 + AddressBytes(kind, eeprom_form) + (IsWrite(kind) ? first & kCount : 0) + 1;
+  return 1 + AddressBytes(first, form) + (IsWrite(kind) ? first & kCount : 0) + 1;
 }
 
-Frame ParseFrame(std::span<const std::uint8_t> bytes, AddressForm eeprom_form) {
-  const FrameKind kind = KindOf(bytes[0]);
-  if (kind == FrameKind::kCommand) return {kind, bytes, 0, 0, {}};
+Frame ParseFrame(std::span<const std::uint8_t> bytes, AddressForm form) {
+  const FrameKind kind = KindOf(bytes[0], form);
+  if (kind == FrameKind::kCommand) return {kind, bytes, 0, 0, false, {}};
   const std::size_t count = bytes[0] & kCount;
-  const std::size_t head = 1 + AddressBytes(kind, eeprom_form);
-  return {kind, bytes, AddressOf(kind, bytes, eeprom_form), count,
+  const std::size_t head = 1 + AddressBytes(bytes[0], form);
+  return {kind,
+          bytes,
+          AddressOf(bytes, form),
+          count,
+          IsWide(bytes[0], form),
           IsWrite(kind) ? bytes.subspan(head, count) : std::span<const std::uint8_t>{}};
 }
 
 std::optional<Operation> CommandOf(std::span<const std::uint8_t> frame, int generation) {
+  if (generation == 0) return std::nullopt;
   return generation == 1 ? Find(kFirstGeneration, frame) : Find(kSecondGeneration, frame);
 }
 

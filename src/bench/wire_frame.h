@@ -18,14 +18,15 @@ struct Frame {
   std::span<const std::uint8_t> bytes;  ///< the whole frame
   std::size_t address;                  ///< of a memory transfer: the byte address
   std::size_t count;                    ///< of a memory transfer: its data bytes
+  bool wide;                            ///< of a transfer of RAM: its address has two bytes
   std::span<const std::uint8_t> data;   ///< of a write
 };
 
-/// How many bytes a frame has that begins with `first`.
-std::size_t FrameLength(std::uint8_t first, AddressForm eeprom_form);
+/// How many bytes a frame has that begins with `first`, to a sensor with this address form.
+std::size_t FrameLength(std::uint8_t first, AddressForm form);
 
 /// Takes a whole frame apart. The spans of the result look into `bytes`.
-Frame ParseFrame(std::span<const std::uint8_t> bytes, AddressForm eeprom_form);
+Frame ParseFrame(std::span<const std::uint8_t> bytes, AddressForm form);
 
 /// What a command frame asks for.
 enum class Operation { kSettingsToRam, kSettingsToEeprom, kLock, kUnlock, kSaveId, kResetAverage };

@@ -35,10 +35,11 @@ TEST(Product, GenerationFollowsThePartNumber) {
   EXPECT_EQ(VirtualSensor({.part = 88}).Generation(), 1);
   EXPECT_EQ(VirtualSensor({.part = 80}).Generation(), 2);
   EXPECT_EQ(VirtualSensor({.part = 32}).Generation(), 2);
+  EXPECT_EQ(VirtualSensor({.part = 154}).Generation(), 0);
 }
 
 TEST(Setup, ThatCannotBeIsRefused) {
-  for (const int part : {-1, 256, 0, 26, 64, 79, 154, 40, 170}) {
+  for (const int part : {-1, 256, 0, 26, 64, 79, 153, 155, 40, 170}) {
     EXPECT_THROW(VirtualSensor({.part = part}), std::invalid_argument) << part;
   }
   EXPECT_THROW(VirtualSensor({.part = 231, .id = 0}), std::invalid_argument);
@@ -50,7 +51,7 @@ TEST(Setup, ThatCannotBeIsRefused) {
 }
 
 TEST(Settings, PartNumberStandsInRam65) {
-  for (const int part : {231, 104, 217, 222, 215, 50}) {
+  for (const int part : {231, 104, 217, 222, 215, 50, 154}) {
     VirtualSensor sensor({.part = part});
     EXPECT_EQ(sensor.Ram()[65], part);
   }

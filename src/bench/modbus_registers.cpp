@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "bench/modbus_registers.h"
+
+#include "bench/platform_9.h"
+
+namespace brelant::bench {
+namespace {
+
+using platform9::ChannelKindAt;
+using platform9::ChannelStatusAt;
+using platform9::FirstLevelAt;
+using platform9::kAverage;
+using platform9::kAverageBit;
+using platform9::kGas;
+using platform9::kGasMainBit;
+using platform9::kGasPreBit;
+using platform9::kHighBit;
+using platform9::kLowBit;
+using platform9::kTemperature1;
+using platform9::kTemperature2;
+using platform9::kWatchAverage;
+using platform9::kWatchGas;
+using platform9::kWatchTemperature1;
+using platform9::kWatchTemperature2;
+using platform9::kWatchWeight;
+using platform9::kWeight;
+using platform9::kWeightMainBit;
+using platform9::kWeightPreBit;
+using platform9::LiveAt;
+using platform9::RegulatorStatusAt;
+using platform9::SecondLevelAt;
+using platform9::WeightLevelAt;
+
+constexpr int kRamWindow = 4096;
+constexpr int kEepromWindow = 8192;
+
+/// Status and configuration bytes as the registers gather them.
+class Gatherer {
+ public:
+  Gatherer(ConstBytes ram, ConstBytes eeprom) : ram_(ram), eeprom_(eeprom) {}
+
+  int Live(std::size_t channel) const { return Word(ram_, LiveAt(channel)); }
+  int Kind(std::size_t channel) const { return eeprom_[ChannelKindAt(channel)]; }
+
+  int WeightAlarms() const {
+    return Alarm(kWatchWeight, kWeightPreBit) | Alarm(kWatchWeight, kWeightMainBit) << 1;
+  }
+
+  int OtherAlarms() const {
+    return Alarm(kWatchGas, kGasPreBit) | Alarm(kWatchGas, kGasMainBit) << 1 |
+           Alarm(kWatchAverage, kAverageBit) << 2 | Alarm(kWatchTemperature1, kHighBit) << 5 |
+           Alarm(kWatchTemperature1, kLowBit) << 6 | Alarm(kWatchTemperature2, kHighBit) << 7 |
+           Alarm(kWatchTemperature2, kLowBit) << 8;
+  }
+
+  int GasAndTemperatureStatus() const {
+    return Status(kGas) | Status(kTemperature1) << 4 | Status(kTemperature2) << 12;
+  }
+
+  int WeightAndAverageStatus() const { return Status(kWeight) | Status(kAverage) << 8; }
+
+ private:
+  int Alarm(std::size_t regulator, int bit) const { return ram_[RegulatorStatusAt(regulator)] >> bit & 1; }
+  int Status(std::size_t channel) const { return ram_[ChannelStatusAt(channel)] & 15; }
+
+  ConstBytes ram_;
+  ConstBytes eeprom_;
+};
+
+std::optional<int> Gathered(const Gatherer& unit, int number) {
+  switch (number) {
+    case 1:
+      return unit.WeightAlarms();
+    case 2:
+      return unit.OtherAlarms();
+    case 6:
+      return unit.Live(kGas);
+    case 7:
+      return unit.Live(kTemperature1);
+    case 9:
+      return unit.Live(kTemperature2);
+    case 10:
+      return unit.GasAndTemperatureStatus();
+    case 11:
+      return unit.Live(kWeight);
+    case 13:
+      return unit.Live(kAverage);
+    case 15:
+      return unit.WeightAndAverageStatus();
+    case 16:
+      return unit.Kind(kTemperature1) << 8 | unit.Kind(kGas);
+    case 17:
+      return unit.Kind(kTemperature2) << 8;
+    case 18:
+      return unit.Kind(kWeight);
+    case 19:
+      return unit.Kind(kAverage);
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<std::size_t> LevelAt(int number) {
+  switch (number) {
+    case 11:
+    case 12:
+    case 13:
+      return WeightLevelAt(static_cast<std::size_t>(number - 10));
+    case 20:
+      return FirstLevelAt(kWatchTemperature1);
+    case 21:
+      return SecondLevelAt(kWatchTemperature1);
+    case 23:
+      return FirstLevelAt(kWatchGas);
+    case 24:
+      return SecondLevelAt(kWatchGas);
+    case 26:
+      return FirstLevelAt(kWatchAverage);
+    case 27:
+      return SecondLevelAt(kWatchAverage);
+    case 29:
+      return FirstLevelAt(kWatchTemperature2);
+    case 30:
+      return SecondLevelAt(kWatchTemperature2);
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<RegisterPlace> InWindow(Bytes memory, int number, int first) {
+  if (number < first) return std::nullopt;
+  const auto address = static_cast<std::size_t>(number - first) * 2;
+  if (address >= memory.size()) return std::nullopt;
+  return RegisterPlace{memory, address};
+}
+
+}  // namespace
+
+std::optional<std::uint16_t> InputRegister(ConstBytes ram, ConstBytes eeprom, int number) {
+  const std::optional<int> word = Gathered(Gatherer(ram, eeprom), number);
+  if (!word) return std::nullopt;
+  return static_cast<std::uint16_t>(*word);
+}
+
+std::optional<RegisterPlace> HoldingRegister(Bytes ram, Bytes eeprom, int number) {
+  if (const auto level = LevelAt(number)) return RegisterPlace{eeprom, *level};
+  if (const auto place = InWindow(ram, number, kRamWindow)) return place;
+  return InWindow(eeprom, number, kEepromWindow);
+}
+
+}  // namespace brelant::bench
