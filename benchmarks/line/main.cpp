@@ -22,6 +22,7 @@
 #include "line/sensor_process.h"
 #include "qt/QtClock.h"
 #include "qt/QtFiles.h"
+#include "qt/QtModbusMaster.h"
 #include "qt/QtPump.h"
 #include "qt/QtSerialPort.h"
 #include "qt/QtSettingsStore.h"
@@ -59,10 +60,11 @@ struct Bench {
   QtPump qtPump{clock};
   MeasuredPump pump{qtPump, clock};
   QtSerialPort port;
+  QtModbusMaster modbus{clock, pump};
   QtFiles files;
   QtSettingsStore store{"/dev/null"};
   NoUser user;
-  Machine machine{clock, pump, port, files, store, user};
+  Machine machine{clock, pump, port, modbus, files, store, user};
 
   Session session;
   SensorImage image;

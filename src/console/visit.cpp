@@ -29,7 +29,7 @@ Visit::Visit(const Options& options, const Connection& connection)
 
 Machine Visit::machine() {
   const auto all = machine_.machine();
-  return {all.clock, all.pump, all.serialPort, all.files, settings_, all.userInterface};
+  return {all.clock, all.pump, all.serialPort, all.modbusMaster, all.files, settings_, all.userInterface};
 }
 
 int Visit::OpenPanel(std::function<bool(const Panel&)> onPoll) {

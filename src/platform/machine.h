@@ -3,6 +3,7 @@
 
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/modbus_master.h"
 #include "platform/pump.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
@@ -15,6 +16,7 @@ struct Machine {
   Clock& clock;
   Pump& pump;
   SerialPort& serialPort;
+  ModbusMaster& modbusMaster;
   Files& files;
   SettingsStore& settingsStore;
   UserInterface& userInterface;

@@ -4,6 +4,9 @@
 namespace brelant {
 
 QtMachine::QtMachine(const Options& options, UserInterface& userInterface)
-    : pump_(clock_), settingsStore_(options.settings), userInterface_(userInterface) {}
+    : pump_(clock_),
+      modbusMaster_(clock_, pump_),
+      settingsStore_(options.settings),
+      userInterface_(userInterface) {}
 
 }  // namespace brelant

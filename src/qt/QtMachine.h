@@ -4,6 +4,7 @@
 #include "platform/machine.h"
 #include "qt/QtClock.h"
 #include "qt/QtFiles.h"
+#include "qt/QtModbusMaster.h"
 #include "qt/QtPump.h"
 #include "qt/QtSerialPort.h"
 #include "qt/QtSettingsStore.h"
@@ -16,13 +17,16 @@ class QtMachine {
  public:
   QtMachine(const Options& options, UserInterface& userInterface);
 
-  Machine machine() { return {clock_, pump_, serialPort_, files_, settingsStore_, userInterface_}; }
+  Machine machine() {
+    return {clock_, pump_, serialPort_, modbusMaster_, files_, settingsStore_, userInterface_};
+  }
   QtPump& pump() { return pump_; }
 
  private:
   QtClock clock_;
   QtPump pump_;
   QtSerialPort serialPort_;
+  QtModbusMaster modbusMaster_;
   QtFiles files_;
   QtSettingsStore settingsStore_;
   UserInterface& userInterface_;

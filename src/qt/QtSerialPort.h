@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/serial_port.h"
+#include "qt/serial_device.h"
 
 namespace brelant {
 
@@ -15,8 +16,8 @@ class QtSerialPort : public SerialPort {
  public:
   QtSerialPort();
 
-  void SetCommPort(const std::string& port) override;
-  std::vector<Description> AvailablePorts() const override;
+  void SetCommPort(const std::string& port) override { commPort_ = port; }
+  std::vector<Description> AvailablePorts() const override { return SerialPorts(); }
   bool PortOpen() const override { return open_; }
   void SetPortOpen(bool open) override;
   int InBufferCount() override;
@@ -25,7 +26,6 @@ class QtSerialPort : public SerialPort {
   void SetDTREnable(bool on) override;
 
  private:
-  std::string Device() const;
   void Open();
   void Close();
   void NoteError(QSerialPort::SerialPortError error);

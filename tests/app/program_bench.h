@@ -21,6 +21,7 @@
 #include "support/memory_store.h"
 #include "support/queued_user_interface.h"
 #include "support/sensor_port.h"
+#include "support/virtual_modbus.h"
 
 namespace brelant::test {
 
@@ -55,7 +56,8 @@ class ProgramBench {
  public:
   template <typename... PortSetup>
   explicit ProgramBench(PortSetup&&... setup)
-      : port(clock, pump, std::forward<PortSetup>(setup)...), machine{clock, pump, port, files, store, ui} {
+      : port(clock, pump, std::forward<PortSetup>(setup)...), machine{clock, pump,  port, modbus,
+                                                                      files, store, ui} {
     files.Put("C:\\KVX\\DEF00104.PDT", DefinitionFile(SampleChannels()));
   }
   ~ProgramBench() {
@@ -134,6 +136,7 @@ class ProgramBench {
   VirtualClock clock;
   VirtualPump pump{clock};
   Port port;
+  VirtualModbus modbus{clock, pump};
   WatchedFiles files;
   MemoryStore store;
   QueuedUserInterface ui;

@@ -15,6 +15,7 @@
 #include "support/memory_store.h"
 #include "support/sensor_port.h"
 #include "support/virtual_clock.h"
+#include "support/virtual_modbus.h"
 #include "support/virtual_pump.h"
 
 namespace brelant::test {
@@ -67,6 +68,7 @@ class Desk {
   VirtualClock clock;
   VirtualPump pump{clock};
   SensorPort port;
+  VirtualModbus modbus{clock, pump};
   MemoryFiles files;
   MemoryStore store;
   DesktopUserInterface ui;
@@ -79,7 +81,7 @@ class Desk {
     Step step;
   };
 
-  Machine TheMachine() { return {clock, pump, port, files, store, ui}; }
+  Machine TheMachine() { return {clock, pump, port, modbus, files, store, ui}; }
   void PutFile(const std::string& name);
   bool IsIdle() const;
   bool Pass();

@@ -91,7 +91,8 @@ class FaultyFiles : public test::MemoryFiles {
 
 TEST_F(Frm5ChannelsTest, AFaultWhileTheFormIsFittedIsACorruptSensor) {
   FaultyFiles files;
-  const Machine machine{ground.clock, ground.pump, ground.port, files, ground.store, ground.ui};
+  const Machine machine{ground.clock, ground.pump,  ground.port, ground.modbus,
+                        files,        ground.store, ground.ui};
   Definitions definitions(ground.session, ground.image, ground.com, machine);
   SnsInfo info(ground.session, ground.image, ground.com, definitions, machine);
   Screen screen;

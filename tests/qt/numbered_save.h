@@ -52,7 +52,7 @@ class NumberedSaver {
 
   ScriptedBus bus_;
   QtFiles files_;
-  Machine machine_{bus_.clock, bus_.pump, bus_.port, files_, bus_.store, bus_.ui};
+  Machine machine_{bus_.clock, bus_.pump, bus_.port, bus_.modbus, files_, bus_.store, bus_.ui};
   Definitions definitions_{bus_.session, bus_.image, bus_.com, machine_};
   SnsInfo info_{bus_.session, bus_.image, bus_.com, definitions_, machine_};
   Table table_{bus_.session, bus_.image, bus_.com, definitions_, info_};

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <array>
 #include <limits>
+#include <optional>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -128,6 +130,71 @@ TEST_F(SupportTest, ADialogueTellsWhatWentWrong) {
   EXPECT_EQ(line.Trouble(), "");
   port.Output(Bytes{5});
   EXPECT_NE(line.Trouble(), "");
+}
+
+class VirtualModbusTest : public SupportTest {
+ protected:
+  using Failure = ModbusMaster::Failure;
+  using Bank = ModbusMaster::Bank;
+
+  VirtualModbusTest() {
+    modbus.units[3] = {{{7, 70}, {8, 80}}, {{20, 5}}};
+    modbus.Open("port", {});
+  }
+  /// Why the read of a register fails; nothing if it does not.
+  std::optional<Failure::Kind> FailureOfRead(int unit, Bank bank, int first, int count = 1) {
+    try {
+      modbus.Read(unit, bank, first, count);
+    } catch (const Failure& failure) {
+      return failure.kind;
+    }
+    return {};
+  }
+
+  VirtualModbus& modbus = machine.modbus;
+};
+
+TEST_F(VirtualModbusTest, ReadsAndWritesAUnit) {
+  EXPECT_THAT(modbus.Read(3, Bank::input, 7, 2), ElementsAre(70, 80));
+  modbus.Write(3, 20, std::array<std::uint16_t, 1>{6});
+  EXPECT_THAT(modbus.Read(3, Bank::holding, 20, 1), ElementsAre(6));
+  EXPECT_THAT(modbus.Story(), ElementsAre("3 input 7+2", "3 holding 20 = 6", "3 holding 20"));
+}
+
+TEST_F(VirtualModbusTest, RequestsTakeTheirTimeAndThePumpRunsMeanwhile) {
+  const auto start = clock.Now();
+  bool ran = false;
+  pump.After(milliseconds(5), [&] { ran = true; });
+  modbus.Read(3, Bank::input, 7, 1);
+  EXPECT_TRUE(ran);
+  EXPECT_EQ(clock.Now() - start, modbus.replyTime);
+  EXPECT_EQ(FailureOfRead(4, Bank::input, 7), Failure::Kind::silence);
+  EXPECT_EQ(clock.Now() - start, modbus.replyTime + modbus.limit);
+}
+
+TEST_F(VirtualModbusTest, RefusesWhatTheUnitDoesNotHave) {
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 9), Failure::Kind::exception);
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 8, 2), Failure::Kind::exception);
+  EXPECT_EQ(FailureOfRead(3, Bank::holding, 7), Failure::Kind::exception);
+  EXPECT_THROW(modbus.Write(3, 7, std::array<std::uint16_t, 1>{6}), Failure);
+}
+
+TEST_F(VirtualModbusTest, FailsAsItIsToldAndInThatOrder) {
+  modbus.Fail({Failure::Kind::broken, {}, Failure::Kind::exception});
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), Failure::Kind::broken);
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), std::nullopt);
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), Failure::Kind::exception);
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), std::nullopt);
+}
+
+TEST_F(VirtualModbusTest, ARequestEndsWithItsOpening) {
+  pump.After(milliseconds(5), [&] { modbus.Close(); });
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), Failure::Kind::cancelled);
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), Failure::Kind::port);
+  modbus.Open("port", {});
+  pump.After(milliseconds(5), [&] { modbus.Open("other", {}); });
+  EXPECT_EQ(FailureOfRead(3, Bank::input, 7), Failure::Kind::cancelled);
+  EXPECT_EQ(modbus.port, "other");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "support/queued_user_interface.h"
 #include "support/scripted_port.h"
 #include "support/virtual_clock.h"
+#include "support/virtual_modbus.h"
 #include "support/virtual_pump.h"
 
 namespace brelant::test {
@@ -18,13 +19,15 @@ template <typename Port>
 struct VirtualMachine {
   template <typename... PortSetup>
   explicit VirtualMachine(PortSetup&&... setup)
-      : port(clock, pump, std::forward<PortSetup>(setup)...), machine{clock, pump, port, files, store, ui} {}
+      : port(clock, pump, std::forward<PortSetup>(setup)...), machine{clock, pump,  port, modbus,
+                                                                      files, store, ui} {}
   VirtualMachine(const VirtualMachine&) = delete;
   VirtualMachine& operator=(const VirtualMachine&) = delete;
 
   VirtualClock clock;
   VirtualPump pump{clock};
   Port port;
+  VirtualModbus modbus{clock, pump};
   MemoryFiles files;
   MemoryStore store;
   QueuedUserInterface ui;

@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "connection/BRECOM.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "connection/KiBusRoad.h"
+#include "connection/connection_error.h"
+
+namespace brelant {
+
+namespace {
+
+constexpr int kPartAddress = 65;
+constexpr int kSerialAddress = 8166;
+constexpr std::size_t kSerialDigits = 5;
+constexpr int kDone = 100;
+
+int CellBits(Space space) {
+  return space == Space::input || space == Space::holding ? 16 : 8;
+}
+
+std::uint64_t Joined(Space space, const std::vector<std::uint16_t>& cells) {
+  std::uint64_t bits = 0;
+  for (const auto cell : cells) bits = bits << CellBits(space) | cell;
+  return bits;
+}
+
+std::vector<std::uint16_t> Split(const Target& target, std::uint64_t bits) {
+  std::vector<std::uint16_t> cells(static_cast<std::size_t>(target.count));
+  const std::uint64_t mask = (std::uint64_t{1} << CellBits(target.space)) - 1;
+  for (auto cell = cells.rbegin(); cell != cells.rend(); ++cell) {
+    *cell = static_cast<std::uint16_t>(bits & mask);
+    bits >>= CellBits(target.space);
+  }
+  return cells;
+}
+
+std::uint64_t MaskOf(const Target& target) {
+  return (std::uint64_t{1} << target.width) - 1;
+}
+
+/// As a number with a sign or without.
+bool HasRoom(const Target& target, std::int32_t value) {
+  const auto end = std::int64_t{1} << target.width;
+  return value >= -end / 2 && value < end;
+}
+
+bool FillsItsCells(const Target& target) {
+  return target.shift == 0 && target.width == target.count * CellBits(target.space);
+}
+
+std::int32_t ValueIn(const Target& target, const std::vector<std::uint16_t>& cells) {
+  const auto bits = Joined(target.space, cells) >> target.shift & MaskOf(target);
+  const auto value = static_cast<std::int64_t>(bits);
+  const bool isNegative = target.isSigned && (bits >> (target.width - 1) & 1) != 0;
+  return static_cast<std::int32_t>(isNegative ? value - (std::int64_t{1} << target.width) : value);
+}
+
+}  // namespace
+
+BRECOM::BRECOM(const Context& context) : context_(context) {}
+
+BRECOM::~BRECOM() {
+  Disconnect();
+}
+
+void BRECOM::SelectModbus(int on) {
+  const bool wanted = on == 1;
+  if (wanted == isModbus_) return;
+  isModbus_ = wanted;
+  if (Connected() || awaitsModbus_) Attach();
+}
+
+void BRECOM::ConnectSensor(const std::string& port, int id) {
+  port_ = port;
+  id_ = id;
+  try {
+    Attach();
+  } catch (const ConnectionError&) {
+    // The protocol may be chosen only after the connection, which a unit without KiBus must not end.
+    const bool isCancelled = aborted_ || Connected() || context_.session.Over();
+    if (isModbus_ || isCancelled || !AnswersOnModbus()) throw;
+    awaitsModbus_ = true;
+  }
+}
+
+bool BRECOM::AnswersOnModbus() {
+  const auto mine = attachment_;
+  const auto onlyOnce = [] { return true; };
+  ModbusRoad road(context_.modbus, context_.modbusSettings, onlyOnce);
+  bool answers = true;
+  try {
+    road.Connect(port_, id_);
+  } catch (const ConnectionError&) {
+    answers = false;
+  }
+  if (mine != attachment_) return false;
+  road.Disconnect();
+  return answers && !context_.session.Over();
+}
+
+void BRECOM::Attach() {
+  Disconnect();
+  // Another connection may be made while this one still waits for its unit.
+  const auto stop = [this, mine = ++attachment_] {
+    return aborted_ || mine != attachment_ || context_.session.Over();
+  };
+  if (isModbus_) {
+    road_ = std::make_shared<ModbusRoad>(context_.modbus, context_.modbusSettings, stop);
+  } else {
+    road_ = std::make_shared<KiBusRoad>(context_.session, context_.link, context_.files, stop);
+  }
+  const auto road = road_;
+  try {
+    Run([this](Road& each) { each.Connect(port_, id_); });
+  } catch (const ConnectionError&) {
+    if (road_ == road) Release();
+    throw;
+  }
+}
+
+void BRECOM::Disconnect() {
+  aborted_ = true;
+  Release();
+}
+
+void BRECOM::Release() {
+  awaitsModbus_ = false;
+  if (const auto road = std::exchange(road_, nullptr)) road->Disconnect();
+  known_.clear();
+  announced_.clear();
+}
+
+void BRECOM::CloseConnection() {
+  Disconnect();
+  marked_.clear();
+}
+
+std::string BRECOM::SerialNumberText() {
+  const auto byte = [this](int address) { return Memory().ReadBytes(address, 1, SensorMemory::eeprom, 0); };
+  const auto serial = std::to_string(byte(kSerialAddress) + byte(kSerialAddress + 1) * 256 +
+                                     byte(kSerialAddress + 2) * 65536);
+  const auto zeros = kSerialDigits - std::min(serial.size(), kSerialDigits);
+  return std::to_string(Memory().PartNumber()) + std::string(zeros, '0') + serial;
+}
+
+Target BRECOM::TargetOf(std::string_view name) const {
+  return isModbus_ ? context_.names.OnModbus(name) : context_.names.OnKiBus(name);
+}
+
+Target BRECOM::TargetOf(const Place& place) const {
+  return isModbus_ ? NameTable::OnModbus(place) : NameTable::OnKiBus(place);
+}
+
+/// One transfer. What ends it from outside makes it a cancelled one, whatever the road makes of that.
+void BRECOM::Run(const std::function<void(Road&)>& transfer) {
+  if (awaitsModbus_) throw ConnectionError("The unit does not answer on KiBus.");
+  if (!road_) throw ConnectionError("There is no connection.");
+  if (context_.session.Over()) throw ConnectionError("The session is over");
+  const auto road = road_;
+  const auto isCancelled = [&] { return aborted_ || road_ != road; };
+  aborted_ = false;
+  try {
+    transfer(*road);
+    if (onProgress) onProgress(kDone);
+    if (!isCancelled()) return;
+  } catch (const ConnectionError&) {
+    announced_.clear();
+    if (!isCancelled()) throw;
+  }
+  announced_.clear();
+  throw ConnectionError("Cancel was selected");
+}
+
+std::int32_t BRECOM::ReadTarget(const Target& target) {
+  std::vector<std::uint16_t> cells;
+  if (!TakeAnnounced(target, cells)) cells = ReadCells(target.space, target.first, target.count);
+  return ValueIn(target, cells);
+}
+
+void BRECOM::WriteTarget(const Target& target, std::int32_t value) {
+  // A value that is cut to its place would be another one, and may be an alarm level.
+  if (!HasRoom(target, value)) {
+    throw ConnectionError("The value " + std::to_string(value) + " does not fit into its place.");
+  }
+  std::uint64_t bits = 0;
+  if (!FillsItsCells(target)) {
+    bits = Joined(target.space, ReadCells(target.space, target.first, target.count));
+    bits &= ~(MaskOf(target) << target.shift);
+  }
+  bits |= (static_cast<std::uint64_t>(value) & MaskOf(target)) << target.shift;
+  WriteCells(target.space, target.first, Split(target, bits));
+}
+
+/// The cells of an announced value, with what was announced beside it. False: it was not announced.
+bool BRECOM::TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cells) {
+  const auto isAnnounced = [&](int cell) { return announced_.contains({target.space, cell}); };
+  const auto isWanted = [&](int cell) {
+    const auto found = announced_.find({target.space, cell});
+    return found != announced_.end() && !found->second;
+  };
+  int first = target.first;
+  int end = target.first + target.count;
+  bool isThere = true;
+  for (int cell = first; cell < end; ++cell) {
+    if (!isAnnounced(cell)) return false;
+    isThere = isThere && !isWanted(cell);
+  }
+  if (!isThere) {
+    const int most = road_ ? road_->Most(target.space) : target.count;
+    while (end - first < most && isWanted(end)) ++end;
+    while (end - first < most && isWanted(first - 1)) --first;
+    const auto read = ReadCells(target.space, first, end - first);
+    for (int cell = first; cell < end; ++cell) {
+      announced_[{target.space, cell}] = read.at(static_cast<std::size_t>(cell - first));
+    }
+  }
+  for (int cell = target.first; cell < target.first + target.count; ++cell) {
+    cells.push_back(announced_.at({target.space, cell}).value());
+    announced_.erase({target.space, cell});
+  }
+  return true;
+}
+
+std::vector<std::uint16_t> BRECOM::ReadCells(Space space, int first, int count) {
+  std::vector<std::uint16_t> cells;
+  Run([&](Road& road) { cells = road.Read(space, first, count); });
+  return cells;
+}
+
+void BRECOM::WriteCells(Space space, int first, const std::vector<std::uint16_t>& cells) {
+  announced_.clear();
+  Run([&](Road& road) { road.Write(space, first, cells); });
+}
+
+// What a connection hands out
+
+Node SensorNodes::FindNode(std::string_view name, std::string_view) const {
+  static_cast<void>(connection_->TargetOf(name));
+  return {*connection_, std::string(name)};
+}
+
+void SensorNodes::Announce(const std::vector<std::string>& names) {
+  connection_->announced_.clear();
+  for (const auto& name : names) {
+    const auto target = connection_->TargetOf(name);
+    for (int i = 0; i < target.count; ++i) {
+      connection_->announced_.insert({{target.space, target.first + i}, std::nullopt});
+    }
+  }
+}
+
+std::int32_t Node::GetValue(bool fromSensor) const {
+  const auto known = connection_->known_.find(name_);
+  if (!fromSensor && known != connection_->known_.end()) return known->second;
+  return connection_->known_[name_] = connection_->ReadTarget(connection_->TargetOf(name_));
+}
+
+void Node::SetValue(bool toSensor, std::int32_t value) {
+  if (toSensor) connection_->WriteTarget(connection_->TargetOf(name_), value);
+  connection_->known_[name_] = value;
+}
+
+void Node::MarkForSave(std::int32_t mask) {
+  connection_->marked_[name_] = mask;
+}
+
+std::uint8_t SensorMemory::PartNumber() const {
+  return static_cast<std::uint8_t>(ReadBytes(kPartAddress, 1, ram, 0));
+}
+
+std::int32_t SensorMemory::ReadBytes(int address, int width, int kind, int mask) const {
+  const Place place{kind == ram ? Space::ram : Space::eeprom, address, width, false, mask};
+  return connection_->ReadTarget(connection_->TargetOf(place));
+}
+
+void SensorMemory::WriteWord(int address, int width, int kind, int mask, std::int32_t value) {
+  const Place place{kind == ram ? Space::ram : Space::eeprom, address, width, false, mask};
+  connection_->WriteTarget(connection_->TargetOf(place), value);
+}
+
+}  // namespace brelant
