@@ -184,6 +184,10 @@ bool PanelFrame::LoadEeprom() {
   return loaded && FormUpdateInit() && FormUpdate();
 }
 
+bool PanelFrame::ReadEeprom() {
+  return ReadWhole(kWholeEeprom, true);
+}
+
 bool PanelFrame::SendEeprom() {
   if (!FormRead()) return false;
   ShowProgress("Sending to sensor", false);

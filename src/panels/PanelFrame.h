@@ -169,7 +169,9 @@ class PanelFrame : public Panel {
   std::optional<std::string> AskForFile(UserInterface::FileUse use, const std::string& text);
   /// Loads a settings file of a sensor whose settings lie in EEPROM.
   bool LoadEeprom();
-  /// Takes the form and sends all of such a sensor's settings.
+  /// Reads all of such a sensor's settings into the image.
+  bool ReadEeprom();
+  /// Takes the form and sends them.
   bool SendEeprom();
   /// Saves blocks of such a sensor; a selection block among them marks what `selection` selects.
   bool SaveSelected(const std::string& name, std::int32_t selection,

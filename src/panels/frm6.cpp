@@ -35,7 +35,6 @@ constexpr std::uint8_t kExchangedPart = 223;
 constexpr float kThreeOutputs = 2;
 constexpr int kFourthOutput = 3;
 
-constexpr std::int32_t kWholeEeprom = 30;
 constexpr std::int32_t kSelection = 13;
 constexpr std::int32_t kSelectionOfThreeOutputs = 15;
 
@@ -448,7 +447,7 @@ bool frm6::RunAction(int command) {
 
 bool frm6::ActionSensorRead() {
   ShowProgress("Reading from sensor", false);
-  if (!ReadAfresh([this] { return ReadWhole(kWholeEeprom, true); })) return false;
+  if (!ReadAfresh([this] { return ReadEeprom(); })) return false;
   if (!FormUpdateInit() || !FormUpdate() || !FormUpdateM()) return false;
   vav.lblV1Note.SetVisible(false);
   return true;

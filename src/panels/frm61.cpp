@@ -34,7 +34,6 @@ constexpr int kDisplayLimit = 9;
 constexpr int kLayout = 1023;
 constexpr float kLayoutStored = 2;
 
-constexpr std::int32_t kWholeEeprom = 30;
 constexpr std::int32_t kSelection = 12;
 
 /// What a typed value of platform 7 is multiplied by.
@@ -351,17 +350,17 @@ bool frm61::ActionSensorReadM() {
 
 bool frm61::ActionSensorRead() {
   ShowProgress("Reading from sensor", false);
-  if (!ReadAfresh([this] { return ReadEeprom(); })) return false;
+  if (!ReadAfresh([this] { return ReadAttached(); })) return false;
   // Another sensor may be attached, or the same one measure in another unit.
   if (!FormUpdateInit() || !FormUpdate()) return false;
   cbxSimulated.SetValue(0);
   return true;
 }
 
-bool frm61::ReadEeprom() {
+bool frm61::ReadAttached() {
   switch (context_.info.GetPlatform()) {
     case kTransmitters:
-      return ReadWhole(kWholeEeprom, true);
+      return ReadEeprom();
     case kRows:
       return platform61::ReadSettingsOf7(context_.com) && FetchChannels();
     default:

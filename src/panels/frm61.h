@@ -102,7 +102,7 @@ class frm61 : public PanelFrame {
   void ShowRowStates();
   void ChooseAlarmChannel(int row);
 
-  bool ReadEeprom();
+  bool ReadAttached();
   bool FetchChannels();
 
   int platform_ = 0;
