@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "bench/line_time.h"
@@ -19,6 +21,12 @@ struct FaultRates {
   double noise = 0;        ///< stray bytes before the reply or in its place
   double nak = 0;          ///< 134 for 6, with a checksum that fits; on Modbus exception 4
   double hang_up = 0;      ///< the device is gone
+};
+
+/// Addresses of EEPROM that a host cannot write.
+struct BadCells {
+  std::set<std::size_t> stuck{};    ///< a write is acknowledged and not kept
+  std::set<std::size_t> refused{};  ///< no reply and nothing written; on Modbus exception 4
 };
 
 /// What a reply answers; it decides how long the host waits for it.

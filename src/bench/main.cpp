@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // brelant-sensor: a virtual sensor on a pseudo-terminal.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -9,9 +11,11 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "bench/modbus_unit.h"
@@ -21,6 +25,7 @@
 
 namespace {
 
+using brelant::bench::BadCells;
 using brelant::bench::FaultRates;
 using brelant::bench::LineEnd;
 using brelant::bench::SensorSetup;
@@ -50,9 +55,10 @@ void Describe(CLI::App& app, Options& options) {
   app.add_option("--image", options.image, "keep the sensor's memory in FILE")->type_name("FILE");
   app.add_flag("--pace", options.pace, "keep the line's 9600 bit/s");
   app.add_option("--fault", options.faults,
-                 "how often replies go wrong, 0 to 1: silence, wrong, short, late, noise, nak, hangup")
+                 "how often replies go wrong, 0 to 1: silence, wrong, short, late, noise, nak, hangup;\n"
+                 "or an address of EEPROM that cannot be written: stuck, refused")
       ->delimiter(',')
-      ->type_name("KIND=RATE");
+      ->type_name("KIND=NUMBER");
   app.add_option("--seed", options.seed, "the same seed gives the same faults");
 }
 
@@ -62,6 +68,12 @@ const std::map<std::string, double FaultRates::*, std::less<>>& FaultKinds() {
       {"short", &FaultRates::short_reply}, {"late", &FaultRates::late},
       {"noise", &FaultRates::noise},       {"nak", &FaultRates::nak},
       {"hangup", &FaultRates::hang_up}};
+  return kinds;
+}
+
+const std::map<std::string, std::set<std::size_t> BadCells::*, std::less<>>& BadCellKinds() {
+  static const std::map<std::string, std::set<std::size_t> BadCells::*, std::less<>> kinds{
+      {"stuck", &BadCells::stuck}, {"refused", &BadCells::refused}};
   return kinds;
 }
 
@@ -76,26 +88,37 @@ double ParseRate(const std::string& text) {
   throw std::invalid_argument("\"" + text + "\" is no rate.");
 }
 
-FaultRates ParseFaults(const std::vector<std::string>& texts) {
-  FaultRates rates;
-  for (const std::string& text : texts) {
-    const std::size_t equals = text.find('=');
-    const auto kind = FaultKinds().find(std::string_view(text).substr(0, equals));
-    if (equals == std::string::npos || kind == FaultKinds().end()) {
-      throw std::invalid_argument("\"" + text + "\" is no fault; write KIND=RATE.");
-    }
-    rates.*kind->second = ParseRate(text.substr(equals + 1));
+std::size_t ParseAddress(const std::string& text) {
+  std::size_t address = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, address);
+  if (error == std::errc() && stop == end) return address;
+  throw std::invalid_argument("\"" + text + "\" is no address.");
+}
+
+void ParseFault(const std::string& text, SensorSetup& setup) {
+  const std::size_t equals = std::min(text.find('='), text.size());
+  const std::string_view kind = std::string_view(text).substr(0, equals);
+  const std::string number = text.substr(std::min(equals + 1, text.size()));
+  const auto rate = FaultKinds().find(kind);
+  const auto cells = BadCellKinds().find(kind);
+  if (equals < text.size() && rate != FaultKinds().end()) {
+    setup.faults.*rate->second = ParseRate(number);
+  } else if (equals < text.size() && cells != BadCellKinds().end()) {
+    (setup.bad_cells.*cells->second).insert(ParseAddress(number));
+  } else {
+    throw std::invalid_argument("\"" + text + "\" is no fault; write KIND=NUMBER.");
   }
-  return rates;
 }
 
 SensorSetup SetupOf(const Options& options) {
-  return {.part = options.part,
-          .variant = options.variant,
-          .id = options.id.value_or(1),
-          .pace = options.pace,
-          .faults = ParseFaults(options.faults),
-          .seed = options.seed};
+  SensorSetup setup{.part = options.part,
+                    .variant = options.variant,
+                    .id = options.id.value_or(1),
+                    .pace = options.pace,
+                    .seed = options.seed};
+  for (const std::string& fault : options.faults) ParseFault(fault, setup);
+  return setup;
 }
 
 VirtualSensor MakeSensor(const SensorSetup& setup, const Options& options) {
@@ -118,6 +141,7 @@ void Serve(VirtualSensor& sensor, LineEnd& unit, const Options& options) {
     if (options.image) brelant::bench::WriteWhole(*options.image, sensor.Image());
   };
   server.Serve(store);
+  sensor.MindTasks(server.Now());
   store();
 }
 

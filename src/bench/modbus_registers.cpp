@@ -1,35 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "bench/modbus_registers.h"
 
-#include "bench/platform_9.h"
+#include "bench/central_unit.h"
 
 namespace brelant::bench {
 namespace {
 
-using platform9::ChannelKindAt;
-using platform9::ChannelStatusAt;
-using platform9::FirstLevelAt;
-using platform9::kAverage;
-using platform9::kAverageBit;
-using platform9::kGas;
-using platform9::kGasMainBit;
-using platform9::kGasPreBit;
-using platform9::kHighBit;
-using platform9::kLowBit;
-using platform9::kTemperature1;
-using platform9::kTemperature2;
-using platform9::kWatchAverage;
-using platform9::kWatchGas;
-using platform9::kWatchTemperature1;
-using platform9::kWatchTemperature2;
-using platform9::kWatchWeight;
-using platform9::kWeight;
-using platform9::kWeightMainBit;
-using platform9::kWeightPreBit;
-using platform9::LiveAt;
-using platform9::RegulatorStatusAt;
-using platform9::SecondLevelAt;
-using platform9::WeightLevelAt;
+using central::ChannelKindAt;
+using central::ChannelStatusAt;
+using central::FirstLevelAt;
+using central::kAverage;
+using central::kAverageBit;
+using central::kGas;
+using central::kGasMainBit;
+using central::kGasPreBit;
+using central::kHighBit;
+using central::kLowBit;
+using central::kTemperature1;
+using central::kTemperature2;
+using central::kWatchAverage;
+using central::kWatchGas;
+using central::kWatchTemperature1;
+using central::kWatchTemperature2;
+using central::kWatchWeight;
+using central::kWeight;
+using central::kWeightMainBit;
+using central::kWeightPreBit;
+using central::LiveAt;
+using central::RegulatorStatusAt;
+using central::SecondLevelAt;
+using central::WeightLevelAt;
 
 constexpr int kRamWindow = 4096;
 constexpr int kEepromWindow = 8192;
@@ -127,11 +127,11 @@ std::optional<std::size_t> LevelAt(int number) {
   }
 }
 
-std::optional<RegisterPlace> InWindow(Bytes memory, int number, int first) {
+std::optional<std::size_t> InWindow(std::size_t size, int number, int first) {
   if (number < first) return std::nullopt;
   const auto address = static_cast<std::size_t>(number - first) * 2;
-  if (address >= memory.size()) return std::nullopt;
-  return RegisterPlace{memory, address};
+  if (address >= size) return std::nullopt;
+  return address;
 }
 
 }  // namespace
@@ -142,10 +142,11 @@ std::optional<std::uint16_t> InputRegister(ConstBytes ram, ConstBytes eeprom, in
   return static_cast<std::uint16_t>(*word);
 }
 
-std::optional<RegisterPlace> HoldingRegister(Bytes ram, Bytes eeprom, int number) {
-  if (const auto level = LevelAt(number)) return RegisterPlace{eeprom, *level};
-  if (const auto place = InWindow(ram, number, kRamWindow)) return place;
-  return InWindow(eeprom, number, kEepromWindow);
+std::optional<RegisterPlace> HoldingRegister(std::size_t ram_size, std::size_t eeprom_size, int number) {
+  if (const auto level = LevelAt(number)) return RegisterPlace{true, *level};
+  if (const auto address = InWindow(ram_size, number, kRamWindow)) return RegisterPlace{false, *address};
+  if (const auto address = InWindow(eeprom_size, number, kEepromWindow)) return RegisterPlace{true, *address};
+  return std::nullopt;
 }
 
 }  // namespace brelant::bench

@@ -11,7 +11,7 @@ namespace brelant::bench {
 
 /// A word of a memory that a register stands for.
 struct RegisterPlace {
-  Bytes memory;
+  bool in_eeprom;
   std::size_t address;
 };
 
@@ -19,6 +19,6 @@ struct RegisterPlace {
 std::optional<std::uint16_t> InputRegister(ConstBytes ram, ConstBytes eeprom, int number);
 
 /// What a holding register of platform 9 stands for, if there is such a register.
-std::optional<RegisterPlace> HoldingRegister(Bytes ram, Bytes eeprom, int number);
+std::optional<RegisterPlace> HoldingRegister(std::size_t ram_size, std::size_t eeprom_size, int number);
 
 }  // namespace brelant::bench

@@ -133,6 +133,9 @@ class ModbusUnit final : public LineEnd {
     if (!CountHolds(request)) return Refuse(request, MODBUS_EXCEPTION_ILLEGAL_DATA_VALUE);
     std::optional<Words> words = WordsOf(request);
     if (!words) return Refuse(request, MODBUS_EXCEPTION_ILLEGAL_DATA_ADDRESS);
+    if (IsWrite(request) && !TakesWrite(request, words->size())) {
+      return Refuse(request, MODBUS_EXCEPTION_SLAVE_OR_SERVER_FAILURE);
+    }
     const bool carried_out = Send(maker_.Reply(request, *words));
     if (carried_out && IsWrite(request)) Store(request, *words);
   }
@@ -152,16 +155,34 @@ class ModbusUnit final : public LineEnd {
 
   std::optional<std::uint16_t> WordAt(int function, int number) {
     if (function == kReadInput) return InputRegister(sensor_.Ram(), sensor_.Eeprom(), number);
-    const auto place = HoldingRegister(sensor_.Ram(), sensor_.Eeprom(), number);
+    const auto place = PlaceOf(number);
     if (!place) return std::nullopt;
-    return static_cast<std::uint16_t>(Word(place->memory, place->address));
+    const Bytes memory = place->in_eeprom ? sensor_.Eeprom() : sensor_.Ram();
+    return static_cast<std::uint16_t>(Word(memory, place->address));
+  }
+
+  std::optional<RegisterPlace> PlaceOf(int number) {
+    return HoldingRegister(sensor_.Ram().size(), sensor_.Eeprom().size(), number);
+  }
+
+  bool TakesWrite(const Request& request, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+      const auto place = PlaceOf(Word(request, 2) + static_cast<int>(i));
+      if (place->in_eeprom && !sensor_.TakesWrite(place->address, 2)) return false;
+    }
+    return true;
   }
 
   void Store(const Request& request, const Words& words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
       const int number = Word(request, 2) + static_cast<int>(i);
-      const auto place = HoldingRegister(sensor_.Ram(), sensor_.Eeprom(), number);
-      PutWord(place->memory, place->address, words[i]);
+      const auto place = PlaceOf(number);
+      if (place->in_eeprom) {
+        sensor_.WriteEeprom(place->address, static_cast<std::uint8_t>(words[i] >> 8));
+        sensor_.WriteEeprom(place->address + 1, static_cast<std::uint8_t>(words[i] & 255));
+      } else {
+        PutWord(sensor_.Ram(), place->address, words[i]);
+      }
     }
   }
 

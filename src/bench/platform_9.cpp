@@ -1,115 +1,63 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "bench/platform_9.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <initializer_list>
 #include <stdexcept>
 
+#include "bench/central_unit.h"
 #include "bench/platforms.h"
 
 namespace brelant::bench {
 namespace {
 
-using platform9::ChannelKindAt;
-using platform9::ChannelStatusAt;
-using platform9::FirstLevelAt;
-using platform9::kAverage;
-using platform9::kAverageBit;
-using platform9::kGas;
-using platform9::kGasMainBit;
-using platform9::kGasPreBit;
-using platform9::kHighBit;
-using platform9::kLowBit;
-using platform9::kStateByte;
-using platform9::kTankCommand;
-using platform9::kTemperature1;
-using platform9::kTemperature2;
-using platform9::kWatchAverage;
-using platform9::kWatchGas;
-using platform9::kWatchTemperature1;
-using platform9::kWatchTemperature2;
-using platform9::kWatchWeight;
-using platform9::kWeight;
-using platform9::kWeightMainBit;
-using platform9::kWeightPreBit;
-using platform9::LiveAt;
-using platform9::RegulatorStatusAt;
-using platform9::SecondLevelAt;
-using platform9::WeightLevelAt;
+using central::ChannelKindAt;
+using central::ChannelStatusAt;
+using central::FirstLevelAt;
+using central::kAbsent;
+using central::kAverage;
+using central::kAverageBit;
+using central::kGas;
+using central::kGasMainBit;
+using central::kGasPreBit;
+using central::kHighBit;
+using central::kLowBit;
+using central::kTemperature1;
+using central::kTemperature2;
+using central::kWatchAverage;
+using central::kWatchGas;
+using central::kWatchTemperature1;
+using central::kWatchTemperature2;
+using central::kWatchWeight;
+using central::kWeight;
+using central::kWeightMainBit;
+using central::kWeightPreBit;
+using central::LiveAt;
+using central::RegulatorStatusAt;
+using central::SecondLevelAt;
+using central::SignedWord;
+using central::WeightLevelAt;
 
-constexpr std::size_t kIdentification = 4124;
-constexpr std::size_t kModel = 4125;
 constexpr std::size_t kDisplay = 4401;
 constexpr std::size_t kDisplaySize = 8;
-constexpr std::size_t kRelays = 4434;
-constexpr std::size_t kLoggerTiming = 4444;
-constexpr std::size_t kLoggers = 4564;
-constexpr std::size_t kLoggerStride = 4;
 constexpr std::size_t kAlarmOutput = 4602;
-constexpr std::size_t kLoggerSize = 4640;
-constexpr std::size_t kProbeTable = 4704;
-constexpr std::size_t kProbeEntries = 16;
-constexpr std::size_t kTankEmpty = 4736;
-constexpr std::size_t kTankFull = 4738;
 constexpr std::size_t kBackgroundPointer = 7868;
 constexpr std::size_t kBackgroundBlock = 7900;
 constexpr int kHighWindow = 57344;  // the pointer counts from there
-constexpr std::size_t kSerial = 8166;
-constexpr int kSerialNumber = 1042;
 
-constexpr std::uint8_t kUsualIdentification = 117;
-constexpr std::uint8_t kModelOfTwo = 5;
-constexpr int kAbsent = 9999;
+constexpr int kModelOfTwo = 5;
 constexpr std::uint8_t kKindCelsiusHundredths = 1 << 2 | 2;
 constexpr std::uint8_t kKindPercentHundredths = 5 << 2 | 2;
 constexpr std::uint8_t kKindKilogramHundredths = 6 << 2 | 2;
-constexpr std::uint8_t kTemperatureAlarmOn = 128;
-constexpr int kStateAlarms = 31;
-
-constexpr int kPpmPerUnit = 100;  // hundredths of a percent
-constexpr int kCellarToColdRoom = -15;
-constexpr double kColdRoomLag = 20;
-// The mean of a day's work would not move while one looks.
-constexpr double kAverageSpan = 40;
-
-constexpr int kFirstProbeEntry = -2000;
-constexpr int kProbeStep = 500;
-
-constexpr int kFullTank = 5000;  // hundredths of a kilogram
-constexpr int kSignalWhenEmpty = 2000;
-constexpr int kSignalWhenFull = 22000;
-constexpr int kLeastTankSpan = 100;
-
-constexpr int kCalibrateEmpty = 1;
-constexpr int kCalibrateFull = 2;
-constexpr int kDone = 0;
-constexpr int kFailed = 100;
-constexpr double kCalibrationTime = 1;
 
 constexpr std::array kChannels{kGas, kTemperature1, kTemperature2, kWeight, kAverage};
 
-int Signed(int word) {
-  return word < 32768 ? word : word - 65536;
-}
-
-bool HasAll(const Memory& memory) {
-  return memory.eeprom[kModel] != kModelOfTwo;
-}
-
-// A channel that is there never reads as one that is not.
-void PutLive(Memory& memory, std::size_t channel, double raw) {
-  const double limit = kAbsent - 1;
-  PutWord(memory.ram, LiveAt(channel), static_cast<int>(std::lround(std::clamp(raw, -limit, limit))));
-}
-
 int Live(const Memory& memory, std::size_t channel) {
-  return Signed(Word(memory.ram, LiveAt(channel)));
+  return SignedWord(memory.ram, LiveAt(channel));
 }
 
 int Level(const Memory& memory, std::size_t address) {
-  return Signed(Word(memory.eeprom, address));
+  return SignedWord(memory.eeprom, address);
 }
 
 void PutLevels(Bytes eeprom, std::size_t regulator, int first, int second) {
@@ -142,68 +90,16 @@ void FillDisplays(Bytes eeprom, bool all) {
 }
 
 void FillLogger(Bytes eeprom) {
-  PutWord(eeprom, kLoggers, 0x5150 | static_cast<int>(kGas));
-  PutWord(eeprom, kLoggers + kLoggerStride, 0x5150 | static_cast<int>(kTemperature1));
-  PutWord(eeprom, kLoggerTiming, 0xC105);  // 576 s; the low byte is the unit's own
-  PutWord(eeprom, kLoggerSize, 4096);
+  PutWord(eeprom, central::LoggerChannelAt(0), 0x5150 | static_cast<int>(kGas));
+  PutWord(eeprom, central::LoggerChannelAt(1), 0x5150 | static_cast<int>(kTemperature1));
+  PutWord(eeprom, central::kLoggerTiming, 0xC105);  // 576 s; the low byte is the unit's own
+  PutWord(eeprom, central::kLoggerSize, 1500);
 }
 
 void FillBackground(Bytes eeprom) {
   PutWord(eeprom, kBackgroundPointer, kHighWindow + static_cast<int>(kBackgroundBlock));
   PutWord(eeprom, kBackgroundBlock + 4, 192);   // periods: 8 days
   PutWord(eeprom, kBackgroundBlock + 8, 1800);  // a period, in units of 2 s
-}
-
-void FillIdentity(const Product& product, Bytes eeprom) {
-  eeprom[kIdentification] = kUsualIdentification;
-  eeprom[kModel] = static_cast<std::uint8_t>(product.variant);
-  eeprom[kSerial] = kSerialNumber & 255;  // least significant byte first
-  eeprom[kSerial + 1] = kSerialNumber >> 8;
-}
-
-// What the probe of temperature 2 shows, by the unit's own table. The probe reads at entry i what the table
-// of a new unit has there.
-double ThroughProbe(const Memory& memory, double celsius) {
-  const double last = kProbeEntries - 1;
-  const double place = std::clamp((celsius * 100 - kFirstProbeEntry) / kProbeStep, 0.0, last);
-  const std::size_t i = std::min(static_cast<std::size_t>(place), kProbeEntries - 2);
-  const int below = Level(memory, kProbeTable + 2 * i);
-  const int above = Level(memory, kProbeTable + 2 * i + 2);
-  return below + (place - static_cast<double>(i)) * (above - below);
-}
-
-// From full down to a tenth in 54 s, then 6 s of filling, a minute in all.
-double TankKilograms(double seconds) {
-  constexpr double kEmptying = 54;
-  constexpr double kCycle = 60;
-  constexpr double kUsed = 45;
-  const double t = std::fmod(seconds, kCycle);
-  return 50 - kUsed * (t < kEmptying ? t / kEmptying : (kCycle - t) / (kCycle - kEmptying));
-}
-
-int TankSignal(double seconds) {
-  constexpr double kPerKilogram = (kSignalWhenFull - kSignalWhenEmpty) / 50.0;
-  return kSignalWhenEmpty + static_cast<int>(std::lround(TankKilograms(seconds) * kPerKilogram));
-}
-
-double TankRaw(const Memory& memory, double seconds) {
-  const int empty = Word(memory.eeprom, kTankEmpty);
-  const int span = std::max(1, Word(memory.eeprom, kTankFull) - empty);
-  return static_cast<double>(TankSignal(seconds) - empty) * kFullTank / span;
-}
-
-void MoveChannels(Memory& memory, double seconds) {
-  PutLive(memory, kTemperature1, kTemperature.At(seconds) * 100);
-  PutLive(memory, kGas, kCellarGas.At(seconds) / kPpmPerUnit);
-  PutLive(memory, kAverage, kCellarGas.MeanOver(seconds - kAverageSpan, seconds) / kPpmPerUnit);
-  if (HasAll(memory)) {
-    const double celsius = kTemperature.At(seconds + kColdRoomLag) + kCellarToColdRoom;
-    PutLive(memory, kTemperature2, ThroughProbe(memory, celsius));
-    PutLive(memory, kWeight, TankRaw(memory, seconds));
-  } else {
-    PutWord(memory.ram, LiveAt(kTemperature2), kAbsent);
-    PutWord(memory.ram, LiveAt(kWeight), kAbsent);
-  }
 }
 
 // Every 100 s one channel after the other has no reading for 4 s.
@@ -257,22 +153,7 @@ void MoveState(Memory& memory) {
   const int high = is_set(kWatchTemperature1, kHighBit) | is_set(kWatchTemperature2, kHighBit);
   const int alarms = is_set(kWatchGas, kGasPreBit) | is_set(kWatchGas, kGasMainBit) << 1 |
                      is_set(kWatchAverage, kAverageBit) << 2 | low << 3 | high << 4;
-  std::uint8_t& state = memory.ram[kStateByte];
-  state = static_cast<std::uint8_t>((state & ~kStateAlarms) | alarms);
-}
-
-// Tares the scale, or stretches it.
-int Calibrate(Memory& memory, int command, int signal) {
-  if (!HasAll(memory)) return kFailed;
-  const int empty = Word(memory.eeprom, kTankEmpty);
-  const int full = Word(memory.eeprom, kTankFull);
-  const bool tare = command == kCalibrateEmpty;
-  const int new_empty = tare ? signal : empty;
-  const int new_full = tare ? full - empty + signal : signal;
-  if (new_full - new_empty < kLeastTankSpan || new_full > 65535) return kFailed;
-  PutWord(memory.eeprom, kTankEmpty, new_empty);
-  PutWord(memory.eeprom, kTankFull, new_full);
-  return kDone;
+  central::PutAlarms(memory, alarms);
 }
 
 }  // namespace
@@ -283,19 +164,18 @@ void FillPlatform9(const Product& product, Memory& memory) {
     throw std::invalid_argument("Platform 9 has the variants 1, 3, 5, 6 and 7.");
   }
   Bytes eeprom = memory.eeprom;
-  FillIdentity(product, eeprom);
+  central::FillCommon(product, memory);
   FillLevels(eeprom);
-  FillDisplays(eeprom, HasAll(memory));
+  FillDisplays(eeprom, product.variant != kModelOfTwo);
   FillLogger(eeprom);
   FillBackground(eeprom);
-  for (const std::size_t relay_1 : {kRelays, kRelays + 2}) PutWord(eeprom, relay_1, 0x8690);
-  PutWord(eeprom, kRelays + 4, 0x5E00);
+  for (const std::size_t relay_1 : {central::kRelays, central::kRelays + 2}) PutWord(eeprom, relay_1, 0x8690);
+  PutWord(eeprom, central::kRelays + 4, 0x5E00);
   PutWord(eeprom, kAlarmOutput, 37302);  // the TWA
-  for (std::size_t i = 0; i < kProbeEntries; ++i) {
-    PutWord(eeprom, kProbeTable + 2 * i, kFirstProbeEntry + kProbeStep * static_cast<int>(i));
+  for (std::size_t i = 0; i < central::kProbeEntries; ++i) {
+    const int entry = central::kFirstProbeEntry + central::kProbeStep * static_cast<int>(i);
+    PutWord(eeprom, central::kProbeTable + 2 * i, entry);
   }
-  PutWord(eeprom, kTankEmpty, kSignalWhenEmpty);
-  PutWord(eeprom, kTankFull, kSignalWhenFull);
   for (const std::size_t channel : {kTemperature1, kTemperature2}) {
     eeprom[ChannelKindAt(channel)] = kKindCelsiusHundredths;
   }
@@ -303,11 +183,10 @@ void FillPlatform9(const Product& product, Memory& memory) {
     eeprom[ChannelKindAt(channel)] = kKindPercentHundredths;
   }
   eeprom[ChannelKindAt(kWeight)] = kKindKilogramHundredths;
-  memory.ram[kStateByte] = kTemperatureAlarmOn;
 }
 
-void MovePlatform9(const Product&, Memory& memory, const Moment& moment) {
-  MoveChannels(memory, moment.seconds);
+void MovePlatform9(const Product& product, Memory& memory, const Moment& moment) {
+  central::MoveChannels(product, memory, moment.seconds);
   MoveStatus(memory, moment.seconds);
   WatchTemperature(memory, kTemperature1, kWatchTemperature1, SecondLevelAt(kWatchTemperature1),
                    FirstLevelAt(kWatchTemperature1));
@@ -316,19 +195,6 @@ void MovePlatform9(const Product&, Memory& memory, const Moment& moment) {
   WatchGas(memory);
   WatchWeight(memory);
   MoveState(memory);
-}
-
-void TankCalibration::Mind(Memory& memory, double seconds) {
-  const int command = Word(memory.ram, kTankCommand);
-  if (command != kCalibrateEmpty && command != kCalibrateFull) {
-    asked_.reset();
-    return;
-  }
-  if (!asked_) asked_ = seconds;
-  const double due = *asked_ + kCalibrationTime;
-  if (seconds < due) return;
-  asked_.reset();
-  PutWord(memory.ram, kTankCommand, Calibrate(memory, command, TankSignal(due)));
 }
 
 }  // namespace brelant::bench

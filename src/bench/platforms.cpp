@@ -36,6 +36,9 @@ void FillMemory(const Product& product, int id, Memory& memory) {
       FillPlatform61(product, memory);
       SettingsToRam(product, memory);
       break;
+    case 8:
+      FillPlatform8(product, memory);
+      break;
     case 9:
       FillPlatform9(product, memory);
       break;
@@ -55,6 +58,8 @@ void MoveLiveValues(const Product& product, Memory& memory, const Moment& moment
       return MovePlatform6(product, memory, moment);
     case 61:
       return MovePlatform61(product, memory, moment);
+    case 8:
+      return MovePlatform8(product, memory, moment);
     case 9:
       return MovePlatform9(product, memory, moment);
     default:

@@ -23,12 +23,14 @@ void FillPlatform5(const Product& product, Memory& memory);
 void FillPlatform6(const Product& product, Memory& memory);
 void FillPlatform61(const Product& product, Memory& memory);
 void FillPlatform7(const Product& product, Memory& memory);
+void FillPlatform8(const Product& product, Memory& memory);
 void FillPlatform9(const Product& product, Memory& memory);
 
 void MovePlatform5(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform6(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform61(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform7(const Product& product, Memory& memory, const Moment& moment);
+void MovePlatform8(const Product& product, Memory& memory, const Moment& moment);
 void MovePlatform9(const Product& product, Memory& memory, const Moment& moment);
 
 }  // namespace brelant::bench

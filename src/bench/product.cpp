@@ -14,8 +14,12 @@ constexpr int Subgroup(int part) {
   return part >> 3 & 3;
 }
 
+constexpr bool IsCentralUnit(int platform) {
+  return platform == 8 || platform == 9;
+}
+
 int UsualVariant(int part, int platform) {
-  if (platform == 7) return 2;
+  if (platform == 7 || platform == 8) return 2;
   if (platform == 9) return 3;
   if (platform != 6) return 0;
   if (part == 221) return 5;
@@ -24,7 +28,7 @@ int UsualVariant(int part, int platform) {
 
 int GenerationOf(int part, int platform) {
   if (platform == 5) return Subgroup(part) == 0 ? 2 : 1;
-  if (platform == 9) return 0;
+  if (IsCentralUnit(platform)) return 0;
   return platform == 6 ? 1 : 2;
 }
 
@@ -34,6 +38,7 @@ std::vector<SettingsWindow> SettingsOf(int platform) {
       return {{28, 28, 40}, {128, 128, 69}, {201, 201, 33}};
     case 7:
       return {{16, 192, 16}};
+    case 8:
     case 9:
       return {{4160, 208, 1}};
     default:
@@ -67,7 +72,6 @@ Product MakeProduct(int part, std::optional<int> variant) {
   if (platform == 0) {
     throw std::invalid_argument("Part number " + std::to_string(part) + " belongs to no platform.");
   }
-  if (platform == 8) throw std::invalid_argument("This virtual sensor does not speak platform 8 yet.");
   Product product{.part = part,
                   .platform = platform,
                   .generation = GenerationOf(part, platform),
@@ -85,8 +89,8 @@ Product MakeProduct(int part, std::optional<int> variant) {
     product.id_in_ram = 192;
     product.id_in_eeprom = 16;
   }
-  if (platform == 9) {
-    product.ram_size = 512;
+  if (IsCentralUnit(platform)) {
+    product.ram_size = platform == 9 ? 7168 : 512;
     product.eeprom_size = 8192;
     product.address_form = AddressForm::kLongAndWideRam;
     product.id_in_eeprom = 4160;

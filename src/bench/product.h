@@ -21,7 +21,7 @@ struct SettingsWindow {
 /// What a part number says about a sensor (docs/memory-maps.md).
 struct Product {
   int part;
-  int platform;    ///< 5, 6, 61, 7 or 9
+  int platform;    ///< 5, 6, 61, 7, 8 or 9
   int generation;  ///< 1 or 2; 0: there are no command frames
   int variant;
   std::size_t ram_size;

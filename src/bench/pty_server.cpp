@@ -104,7 +104,7 @@ void PtyServer::Serve(const std::function<void()>& after_save) {
   device_ = Descriptor();
 }
 
-PtyServer::Time PtyServer::Now() const {
+std::chrono::microseconds PtyServer::Now() const {
   return std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - start_);
 }
 

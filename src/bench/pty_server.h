@@ -35,6 +35,9 @@ class PtyServer {
   /// closely. Throws std::system_error.
   PtyServer(LineEnd& unit, bool paced);
 
+  /// The time that the unit is told.
+  std::chrono::microseconds Now() const;
+
   const std::string& DeviceName() const { return name_; }
 
   /// Serves until SIGINT or SIGTERM comes or the unit hangs up. `after_save` is called when the host has
@@ -44,7 +47,6 @@ class PtyServer {
  private:
   using Time = std::chrono::microseconds;
 
-  Time Now() const;
   bool Wait();
   void TakeBytes();
   void SendDueBytes();

@@ -47,6 +47,15 @@ std::size_t PlaceOf(const Frame& frame, const Product& product, std::size_t i) {
   return frame.address / kPage * kPage + (frame.address + i) % kPage;
 }
 
+const BadCells& Checked(const BadCells& cells, std::size_t eeprom_size) {
+  for (const auto* addresses : {&cells.stuck, &cells.refused}) {
+    if (!addresses->empty() && *addresses->rbegin() >= eeprom_size) {
+      throw std::invalid_argument("A bad cell lies within the EEPROM.");
+    }
+  }
+  return cells;
+}
+
 int CheckedId(int id) {
   if (id < 1 || id > 29) throw std::invalid_argument("A bus ID lies between 1 and 29.");
   return id;
@@ -57,12 +66,14 @@ int CheckedId(int id) {
 VirtualSensor::VirtualSensor(const SensorSetup& setup)
     : product_(MakeProduct(setup.part, setup.variant)),
       faults_(setup.faults, setup.seed),
+      bad_cells_(Checked(setup.bad_cells, product_.eeprom_size)),
       line_(setup.pace),
       locked_(product_.HasCommands()) {
   memory_.ram.resize(product_.ram_size);
   memory_.eeprom.resize(product_.eeprom_size);
   FillMemory(product_, CheckedId(setup.id), memory_);
   MoveLiveValues(product_, memory_, moment_);
+  StartTasks();
 }
 
 void VirtualSensor::Receive(std::uint8_t byte, std::chrono::microseconds now) {
@@ -92,7 +103,22 @@ void VirtualSensor::Advance(std::chrono::microseconds now) {
 }
 
 void VirtualSensor::MindTasks(std::chrono::microseconds now) {
-  if (product_.platform == 9) tank_.Mind(memory_, std::chrono::duration<double>(now).count());
+  minded_ = now;
+  if (HasTasks()) tasks_.Mind(product_, memory_, now);
+}
+
+void VirtualSensor::StartTasks() {
+  tasks_ = {};
+  if (HasTasks()) tasks_.Start(memory_, minded_);
+}
+
+bool VirtualSensor::TakesWrite(std::size_t address, std::size_t count) const {
+  const auto first = bad_cells_.refused.lower_bound(address);
+  return first == bad_cells_.refused.end() || *first >= address + count;
+}
+
+void VirtualSensor::WriteEeprom(std::size_t address, std::uint8_t byte) {
+  if (!bad_cells_.stuck.contains(address)) memory_.eeprom[address] = byte;
 }
 
 std::vector<std::uint8_t> VirtualSensor::Image() const {
@@ -110,7 +136,7 @@ bool VirtualSensor::Restore(std::span<const std::uint8_t> image) {
   if (!product_.HasCommands()) SettingsToRam(product_, memory_);
   clear_to_receive_ = false;
   incoming_.clear();
-  tank_ = {};
+  StartTasks();
   return true;
 }
 
@@ -181,7 +207,10 @@ bool VirtualSensor::WriteMemory(const Frame& frame) {
   } else {
     if (locked_ || !FitsEeprom(frame, product_)) return false;
     for (std::size_t i = 0; i < frame.count; ++i) {
-      memory_.eeprom[PlaceOf(frame, product_, i)] = frame.data[i];
+      if (!TakesWrite(PlaceOf(frame, product_, i), 1)) return false;
+    }
+    for (std::size_t i = 0; i < frame.count; ++i) {
+      WriteEeprom(PlaceOf(frame, product_, i), frame.data[i]);
     }
   }
   Send({kAccepted}, ReplyKind::kWritten);

@@ -14,15 +14,15 @@
 #include "bench/line_clock.h"
 #include "bench/line_end.h"
 #include "bench/memory.h"
-#include "bench/platform_9.h"
 #include "bench/product.h"
+#include "bench/unit_tasks.h"
 #include "bench/wire_frame.h"
 
 namespace brelant::bench {
 
 /// What the virtual sensor is to be.
 struct SensorSetup {
-  /// The part number, a byte. It must lie in platform 5, 6, 61, 7 or 9 (docs/memory-maps.md).
+  /// The part number, a byte. It must lie in platform 5, 6, 61, 7, 8 or 9 (docs/memory-maps.md).
   int part;
   /// The product variant; without it one that suits the part number.
   std::optional<int> variant = std::nullopt;
@@ -33,6 +33,7 @@ struct SensorSetup {
   FaultRates faults = {};
   /// The same seed gives the same faults.
   std::uint32_t seed = 1;
+  BadCells bad_cells = {};
 };
 
 /// A sensor at the far end of a KiBus line (docs/protocol.md). Turnaround is zero: a reply begins when the
@@ -63,10 +64,17 @@ class VirtualSensor : public LineEnd {
   /// writes into the memories in another way calls it before and after.
   void MindTasks(std::chrono::microseconds now);
 
-  /// The memories themselves, to look at and to poke: 256 bytes of RAM, or 512; 512 bytes of EEPROM, 1024 or
-  /// 8192.
+  /// The memories themselves, to look at and to poke: 256 bytes of RAM, 512 or 7168; 512 bytes of EEPROM,
+  /// 1024 or 8192.
   std::span<std::uint8_t> Ram() { return memory_.ram; }
   std::span<std::uint8_t> Eeprom() { return memory_.eeprom; }
+
+  /// EEPROM that the host cannot write, to change while the sensor runs.
+  BadCells& Bad() { return bad_cells_; }
+  /// False if one of `count` bytes from `address` on refuses a write.
+  bool TakesWrite(std::size_t address, std::size_t count) const;
+  /// Writes a byte of EEPROM as a host does.
+  void WriteEeprom(std::size_t address, std::uint8_t byte);
 
   /// All memory as one piece, RAM and then EEPROM.
   std::vector<std::uint8_t> Image() const;
@@ -91,6 +99,8 @@ class VirtualSensor : public LineEnd {
   const Counters& Count() const { return counters_; }
 
  private:
+  bool HasTasks() const { return product_.platform == 8 || product_.platform == 9; }
+  void StartTasks();
   void TakeRequest(std::uint8_t byte);
   void TakeFrame(const std::vector<std::uint8_t>& bytes);
   bool CarryOut(const Frame& frame);
@@ -102,9 +112,11 @@ class VirtualSensor : public LineEnd {
   Product product_;
   Memory memory_;
   Moment moment_;
+  std::chrono::microseconds minded_{};
   FaultMaker faults_;
+  BadCells bad_cells_;
   LineClock line_;
-  TankCalibration tank_;
+  UnitTasks tasks_;
   bool locked_;
   bool clear_to_receive_ = false;
   std::vector<std::uint8_t> incoming_;

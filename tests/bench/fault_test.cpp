@@ -158,6 +158,44 @@ TEST(FaultySensor, LateDoesNotListenUntilItHasSpoken) {
   EXPECT_EQ(reply[2].value, 237);
 }
 
+// 32 is a word address: EEPROM 64 and 65.
+TEST(BadCells, AreAcknowledgedAndNotKept) {
+  Host host({.part = 217, .bad_cells = {.stuck = {65}}});
+  host.Exchange({147, 0, 147});
+  const int before = host.sensor.Eeprom()[65];
+  EXPECT_THAT(host.Exchange({12, 32, 1, 2, 3, 4, 54}), ElementsAre(6));
+  EXPECT_EQ(host.sensor.Eeprom()[64], 1);
+  EXPECT_EQ(host.sensor.Eeprom()[65], before);
+  EXPECT_EQ(host.sensor.Eeprom()[67], 4);
+}
+
+TEST(BadCells, RefuseTheWholeFrame) {
+  Host host({.part = 217, .bad_cells = {.refused = {67}}});
+  host.Exchange({147, 0, 147});
+  const auto eeprom = host.sensor.Eeprom();
+  const ByteList before(eeprom.begin(), eeprom.end());
+  EXPECT_THAT(host.Exchange({12, 32, 1, 2, 3, 4, 54}), IsEmpty());
+  EXPECT_TRUE(std::equal(before.begin(), before.end(), eeprom.begin()));
+  EXPECT_THAT(host.Exchange({10, 32, 1, 2, 45}), ElementsAre(6));
+  EXPECT_THAT(host.Exchange({10, 34, 1, 2, 47}), ElementsAre(6));
+}
+
+TEST(BadCells, ComeAndGo) {
+  Host host({.part = 154});
+  host.sensor.Bad().stuck = {4240};
+  EXPECT_THAT(host.Exchange({9, 16, 144, 1, 170}), ElementsAre(6));
+  EXPECT_EQ(host.sensor.Eeprom()[4240], 8);
+  host.sensor.Bad() = {};
+  EXPECT_THAT(host.Exchange({9, 16, 144, 1, 170}), ElementsAre(6));
+  EXPECT_EQ(host.sensor.Eeprom()[4240], 1);
+}
+
+TEST(BadCells, LieInTheEeprom) {
+  EXPECT_NO_THROW(VirtualSensor({.part = 231, .bad_cells = {.stuck = {511}, .refused = {511}}}));
+  EXPECT_THROW(VirtualSensor({.part = 231, .bad_cells = {.stuck = {512}}}), std::invalid_argument);
+  EXPECT_THROW(VirtualSensor({.part = 231, .bad_cells = {.refused = {1, 512}}}), std::invalid_argument);
+}
+
 TEST(FaultySensor, HangsUpForGood) {
   Host host({.part = 231, .faults = {.hang_up = 1}});
   EXPECT_FALSE(host.sensor.HungUp());

@@ -17,12 +17,11 @@
 #include <gtest/gtest.h>
 #include <modbus/modbus.h>
 
-#include "arithmetic.h"
 #include "bench/faults.h"
 #include "bench/modbus_unit.h"
 #include "bench/whole_file.h"
-#include "host.h"
 #include "sensor_process.h"
+#include "unit_host.h"
 
 namespace brelant::bench {
 namespace {
@@ -216,13 +215,13 @@ TEST(Modbus, WindowsShowBothMemories) {
   const Master master(process.Line(), 1);
   EXPECT_EQ(master.Holdings(4096 + 32).value().front() % 256, 154);  // RAM 65
   EXPECT_THAT(master.Holdings(8192 + 2062), testing::Optional(ElementsAre(117 * 256 + 3)));
-  EXPECT_TRUE(master.Write(4096 + 255, 0x1234));                  // RAM 510
+  EXPECT_TRUE(master.Write(4096 + 3583, 0x1234));                 // RAM 7166, the last word
   EXPECT_TRUE(master.Write(8192 + 4094, Words{0x0102, 0xF3F4}));  // EEPROM 8188
   EXPECT_THAT(master.Holdings(8192 + 4093, 3).value(), testing::Contains(0xF3F4));
   EXPECT_TRUE(master.Holdings(8192, 125));
   EXPECT_TRUE(master.Write(8192 + 3500, Words(123, 0x5566)));  // EEPROM 7000, over many pages
   KiBusView view = ViewOf(process, image);
-  EXPECT_EQ(view.RamWord(510), 0x1234);
+  EXPECT_EQ(view.RamWord(7166), 0x1234);
   EXPECT_EQ(view.EepromWord(8188), 0x0102);
   EXPECT_EQ(view.EepromWord(8190), 0xF3F4);
   for (std::size_t i = 0; i < 123; ++i) ASSERT_EQ(view.EepromWord(7000 + 2 * i), 0x5566);
@@ -235,7 +234,7 @@ TEST(Modbus, ARegisterThatIsNoneIsAnException) {
     EXPECT_FALSE(master.Inputs(number)) << number;
     EXPECT_EQ(errno, EMBXILADD) << number;
   }
-  for (const int number : {0, 1, 7, 10, 14, 19, 22, 25, 28, 31, 4095, 4352, 8191, 12288, 65535}) {
+  for (const int number : {0, 1, 7, 10, 14, 19, 22, 25, 28, 31, 4095, 7680, 8191, 12288, 65535}) {
     EXPECT_FALSE(master.Holdings(number)) << number;
     EXPECT_EQ(errno, EMBXILADD) << number;
     EXPECT_FALSE(master.Write(number, 1)) << number;
@@ -360,7 +359,7 @@ const ByteList kReadLevel = WithCrc({1, 3, 0, 20, 0, 1});
 const ByteList kLevel = WithCrc({1, 3, 2, 8, 252});
 
 TEST(ModbusUnit, IsOnlyOfPlatform9) {
-  for (const int part : {231, 217, 215, 50}) {
+  for (const int part : {231, 217, 215, 50, 40}) {
     const SensorSetup setup{.part = part};
     VirtualSensor sensor(setup);
     EXPECT_THROW(MakeModbusUnit(sensor, setup), std::invalid_argument) << part;
@@ -375,6 +374,45 @@ TEST(ModbusUnit, HasCalibratedItsTankASecondAfterTheCommandWheneverTheHostLooks)
     host.now = milliseconds(when);
     EXPECT_EQ(host.Send(WithCrc({1, 3, 16, 152, 0, 1})), WithCrc({1, 3, 2, 0, result})) << when;
   }
+}
+
+// 2 s a sample, from second 5 on; channel 5 is CO2.
+TEST(ModbusUnit, LogsWhatItsChannelsDo) {
+  ModbusHost host({.part = 154});
+  host.now = std::chrono::seconds(5);
+  ASSERT_EQ(host.Send(WithCrc({1, 6, 40, 174, 128, 0})).size(), 8U);  // EEPROM 4444
+  host.now = std::chrono::seconds(66);
+  EXPECT_EQ(host.Send(WithCrc({1, 3, 16, 168, 0, 5})), WithCrc({1, 3, 10, 0, 30, 0, 30, 0, 30, 0, 30, 0, 1}));
+  VirtualSensor twin({.part = 154});
+  for (int i = 0; i < 30; ++i) {
+    twin.Advance(std::chrono::seconds(7 + 2 * i));
+    const ByteList word = Peek(twin.Ram(), 22, 2);
+    EXPECT_EQ(host.Send(WithCrc({1, 3, 18, static_cast<std::uint8_t>(i), 0, 1})),
+              WithCrc({1, 3, 2, word[0], word[1]}));
+  }
+}
+
+TEST(ModbusUnit, AcknowledgesWritesThatDoNotStick) {
+  ModbusHost host({.part = 154, .bad_cells = {.stuck = {4241}}});
+  EXPECT_EQ(host.Send(WithCrc({1, 6, 0, 20, 1, 2})), WithCrc({1, 6, 0, 20, 1, 2}));
+  EXPECT_EQ(host.Send(kReadLevel), WithCrc({1, 3, 2, 1, 252}));  // the low byte stays that of 2300
+}
+
+TEST(ModbusUnit, RefusesAWriteThatReachesABadCell) {
+  for (const std::size_t bad : {4242U, 4243U}) {
+    ModbusHost host({.part = 154, .bad_cells = {.refused = {bad}}});
+    EXPECT_EQ(host.Send(WithCrc({1, 6, 0, 21, 1, 2})), WithCrc({1, 134, 4}));
+    EXPECT_EQ(host.Send(WithCrc({1, 16, 0, 20, 0, 2, 4, 0, 1, 0, 2})), WithCrc({1, 144, 4}));
+    EXPECT_EQ(host.Send(kReadLevel), kLevel);
+    EXPECT_EQ(host.Send(WithCrc({1, 6, 0, 20, 1, 2})), WithCrc({1, 6, 0, 20, 1, 2}));
+    EXPECT_EQ(host.Send(WithCrc({1, 3, 0, 21, 0, 1})), WithCrc({1, 3, 2, 8, 52}));
+  }
+}
+
+TEST(ModbusUnit, CellsAreBadOnlyInTheEeprom) {
+  ModbusHost host({.part = 154, .bad_cells = {.stuck = {400}, .refused = {402}}});
+  EXPECT_EQ(host.Send(WithCrc({1, 16, 16, 200, 0, 2, 4, 1, 2, 3, 4})).size(), 8U);
+  EXPECT_EQ(Peek(host.sensor.Ram(), 400, 4), (ByteList{1, 2, 3, 4}));
 }
 
 TEST(ModbusUnit, ForgetsABrokenRequestAfterASilence) {

@@ -4,19 +4,16 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <initializer_list>
 #include <map>
 #include <numbers>
-#include <numeric>
 #include <random>
 #include <stdexcept>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "arithmetic.h"
 #include "bench/modbus_registers.h"
-#include "host.h"
+#include "unit_host.h"
 
 namespace brelant::bench {
 namespace {
@@ -42,35 +39,12 @@ const std::map<std::size_t, std::size_t> kChannels{
 /// Temperature 1, gas, average, temperature 2, weight.
 const std::vector<std::size_t> kRegulators{276, 277, 278, 279, 285};
 
-int SignedAt(ConstBytes memory, std::size_t address) {
-  const int word = WordAt(memory, address);
-  return word > 32767 ? word - 65536 : word;
-}
-
-ByteList Summed(ByteList frame) {
-  frame.push_back(static_cast<std::uint8_t>(std::accumulate(frame.begin(), frame.end(), 0)));
-  return frame;
-}
-
-/// A frame with an address of two bytes.
-ByteList LongFrame(int command, std::size_t address, std::initializer_list<int> data = {}) {
-  ByteList frame{static_cast<std::uint8_t>(command), static_cast<std::uint8_t>(address / 256),
-                 static_cast<std::uint8_t>(address % 256)};
-  for (const int byte : data) frame.push_back(static_cast<std::uint8_t>(byte));
-  return Summed(frame);
-}
-
-ByteList Peek(ConstBytes memory, std::size_t address, std::size_t count) {
-  const ConstBytes bytes = memory.subspan(address, count);
-  return {bytes.begin(), bytes.end()};
-}
-
 TEST(Platform9Memory, HasItsSizes) {
   VirtualSensor unit({.part = kUnit});
   EXPECT_EQ(unit.Platform(), 9);
-  EXPECT_EQ(unit.Ram().size(), 512U);
+  EXPECT_EQ(unit.Ram().size(), 7168U);
   EXPECT_EQ(unit.Eeprom().size(), 8192U);
-  EXPECT_EQ(unit.Image().size(), 8704U);
+  EXPECT_EQ(unit.Image().size(), 15360U);
   EXPECT_EQ(unit.Ram()[65], 154);
 }
 
@@ -85,7 +59,7 @@ TEST(Platform9Memory, HoldsThePlanOfANewUnit) {
   const std::map<std::size_t, int> words{
       {4240, 2300},   {4242, 2100},   {4244, 250},    {4246, 150},   {4248, 180}, {4250, 180},
       {4252, 600},    {4254, 800},    {4354, 1550},   {4356, 850},   {4358, 50},  {4434, 0x8690},
-      {4436, 0x8690}, {4438, 0x5E00}, {4444, 0xC105}, {4602, 37302}, {4640, 4096}};
+      {4436, 0x8690}, {4438, 0x5E00}, {4444, 0xC105}, {4602, 37302}, {4640, 1500}};
   for (const auto& [address, word] : words) EXPECT_EQ(WordAt(e, address), word) << address;
   EXPECT_EQ(WordAt(e, 4564) % 16, 5);
   EXPECT_EQ(WordAt(e, 4568) % 16, 4);
@@ -346,9 +320,9 @@ TEST(WideFrame, ReadsBeyond255) {
 
 TEST(WideFrame, ReadsAnyFourBytesOfRam) {
   Host host({.part = kUnit});
-  for (std::size_t i = 0; i < 512; ++i) host.sensor.Ram()[i] = static_cast<std::uint8_t>(i * 7 + 1);
+  for (std::size_t i = 0; i < 7168; ++i) host.sensor.Ram()[i] = static_cast<std::uint8_t>(i * 7 + 1);
   for (const std::size_t count : {1U, 2U, 3U, 4U}) {
-    for (const std::size_t address : {0U, 100U, 126U, 127U, 128U, 254U, 255U, 256U, 508U}) {
+    for (const std::size_t address : {0U, 100U, 126U, 127U, 128U, 254U, 255U, 256U, 508U, 510U, 7164U}) {
       ByteList expected{6};
       for (std::size_t i = 0; i < count; ++i) {
         expected.push_back(static_cast<std::uint8_t>((address + i) * 7 + 1));
@@ -369,10 +343,10 @@ TEST(WideFrame, WritesWithoutPages) {
 
 TEST(WideFrame, DoesNotGoPastTheEnd) {
   Host host({.part = kUnit});
-  EXPECT_THAT(host.Exchange(LongFrame(177, 511)), testing::SizeIs(3));
-  EXPECT_THAT(host.Exchange(LongFrame(177, 512)), IsEmpty());
-  EXPECT_THAT(host.Exchange(LongFrame(180, 509)), IsEmpty());
-  EXPECT_THAT(host.Exchange(LongFrame(50, 511, {1, 2})), IsEmpty());
+  EXPECT_THAT(host.Exchange(LongFrame(177, 7167)), testing::SizeIs(3));
+  EXPECT_THAT(host.Exchange(LongFrame(177, 7168)), IsEmpty());
+  EXPECT_THAT(host.Exchange(LongFrame(180, 7165)), IsEmpty());
+  EXPECT_THAT(host.Exchange(LongFrame(50, 7167, {1, 2})), IsEmpty());
   EXPECT_THAT(host.Exchange(LongFrame(177, 65535)), IsEmpty());
   EXPECT_EQ(host.sensor.Count().refused, 4);
 }

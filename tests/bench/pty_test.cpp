@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // brelant-sensor as a process, from the far end of its pseudo-terminal.
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
@@ -82,6 +83,65 @@ TEST(Pty, ImageKeepsTheMemory) {
   std::filesystem::remove(image);
 }
 
+// A unit that has no command to save has nothing but its end to write the image at.
+TEST(Pty, ImageOfACentralUnitIsWrittenOnEachSignal) {
+  for (const int signal : {SIGINT, SIGTERM}) {
+    const auto image = Fresh("brelant-central");
+    SensorProcess process({"--part", "154", "--image", image.string()});
+    const Line line(process.Line());
+    line.Send({254}, 1);
+    EXPECT_THAT(line.Send({9, 16, 144, 77, 246}, 1), ElementsAre(6));
+    EXPECT_EQ(process.End(signal), 0);
+    const auto bytes = ReadWhole(image);
+    ASSERT_TRUE(bytes);
+    ASSERT_EQ(bytes->size(), 7168U + 8192);
+    EXPECT_EQ((*bytes)[7168 + 4240], 77);
+    std::filesystem::remove(image);
+  }
+}
+
+// RAM 336 counts the samples; the period is 2 s.
+TEST(Pty, LoggersKeepRealTime) {
+  SensorProcess process({"--part", "154"});
+  const Line line(process.Line());
+  line.Send({254}, 1);
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_THAT(line.Send({9, 17, 92, 128, 246}, 1), ElementsAre(6));
+  ByteList reply;
+  do {
+    line.Send({254}, 1);
+    reply = line.Send({178, 1, 80, 3}, 4);
+  } while (reply == ByteList{6, 0, 0, 6} &&
+           std::chrono::steady_clock::now() - start < std::chrono::milliseconds(kPatience));
+  EXPECT_THAT(reply, ElementsAre(6, 0, 1, 7));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST(Pty, ServesAUnitOfPlatform8) {
+  SensorProcess process({"--part", "40", "--variant", "1"});
+  const Line line(process.Line());
+  line.Send({254}, 1);
+  EXPECT_THAT(line.Send({137, 16, 29, 182}, 3), ElementsAre(6, 1, 7));
+}
+
+TEST(Pty, BadCellsAreToldByAddress) {
+  SensorProcess process({"--part", "154", "--fault", "stuck=4240,refused=4244", "--fault", "stuck=4242"});
+  const Line line(process.Line());
+  const auto write_and_read = [&](std::uint8_t low) {
+    line.Send({254}, 1);
+    EXPECT_THAT(line.Send({9, 16, low, 1, static_cast<std::uint8_t>(26 + low)}, 1), ElementsAre(6));
+    line.Send({254}, 1);
+    return line.Send({137, 16, low, static_cast<std::uint8_t>(153 + low)}, 3);
+  };
+  EXPECT_THAT(write_and_read(144), ElementsAre(6, 8, 14));
+  EXPECT_THAT(write_and_read(145), ElementsAre(6, 1, 7));
+  EXPECT_THAT(write_and_read(146), ElementsAre(6, 8, 14));
+  line.Send({254}, 1);
+  // No reply; the next byte that comes is that to the next request.
+  EXPECT_THAT(line.Send({9, 16, 148, 1, 174, 254}, 1), ElementsAre(223));
+  EXPECT_THAT(line.Send({137, 16, 148, 45}, 3), ElementsAre(6, 0, 6));
+}
+
 TEST(Pty, ImageIsWrittenWhenTheHostSaves) {
   const auto image = Fresh("brelant-saved");
   SensorProcess process({"--part", "231", "--image", image.string()});
@@ -125,6 +185,13 @@ TEST(Options, ThatMakeNoSenseExitWith2) {
       {"--part", "231", "--fault", "late"},
       {"--part", "231", "--fault", "late=often"},
       {"--part", "231", "--fault", "late=1.5"},
+      {"--part", "231", "--fault", "stuck"},
+      {"--part", "231", "--fault", "=1"},
+      {"--part", "231", "--fault", "stuck=512"},
+      {"--part", "231", "--fault", "refused=-1"},
+      {"--part", "231", "--fault", "stuck=1.5"},
+      {"--part", "231", "--fault", "stuck="},
+      {"--part", "40", "--variant", "3"},
       {"--part", "231", "--nonsense"},
       {"--part", "154", "--variant", "2"},
   };
@@ -139,7 +206,6 @@ TEST(Options, WhatItDoesNotSpeakYetItSays) {
                                                   {"--part", "217", "--modbus"},
                                                   {"--part", "215", "--modbus"},
                                                   {"--part", "50", "--modbus"},
-                                                  {"--part", "40"},
                                                   {"--part", "40", "--modbus"}};
   for (const auto& options : all) {
     SensorProcess process(options);

@@ -37,8 +37,8 @@ std::vector<std::uint8_t> Copy(std::span<const std::uint8_t> memory) {
   return {memory.begin(), memory.end()};
 }
 
-constexpr bench::SensorSetup kPlatform6{.part = 88, .pace = true};
-constexpr bench::SensorSetup kPlatform61{.part = 85, .pace = true};
+const bench::SensorSetup kPlatform6{.part = 88, .pace = true};
+const bench::SensorSetup kPlatform61{.part = 85, .pace = true};
 
 TEST(Cancel, InAnyPassOfAReadLeavesWhatCameAndSaysAvbryt) {
   bool finished = false;
