@@ -5,8 +5,20 @@
 
 namespace brelant {
 
-ReadRecord::ReadRecord(const Session& session, Files& files)
-    : log_(session.TrafficLogOn ? files.OpenLog(session.AppDir + "\\ComLogg.txt") : nullptr) {}
+namespace {
+
+/// Nothing while the log is off.
+std::unique_ptr<Files::Log> OpenLog(const Session& session, Files& files) {
+  return session.TrafficLogOn ? files.OpenLog(session.AppDir + "\\ComLogg.txt") : nullptr;
+}
+
+}  // namespace
+
+void LogLine(const Session& session, Files& files, const std::string& line) {
+  if (const auto log = OpenLog(session, files)) log->PrintLine(line);
+}
+
+ReadRecord::ReadRecord(const Session& session, Files& files) : log_(OpenLog(session, files)) {}
 
 void ReadRecord::Head(std::int32_t selector, float address, int count, bool isEeprom) {
   text_ = "READ(" + std::to_string(selector) + " " + NumberText(address) + " " + std::to_string(count) + " " +

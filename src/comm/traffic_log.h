@@ -38,4 +38,7 @@ class ReadRecord {
   std::string text_;
 };
 
+/// Appends one line to the log, if it is on; throws MachineError.
+void LogLine(const Session& session, Files& files, const std::string& line);
+
 }  // namespace brelant

@@ -2,6 +2,7 @@
 #include "connection/BRECOM.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "connection/KiBusRoad.h"
@@ -15,6 +16,7 @@ constexpr int kPartAddress = 65;
 constexpr int kSerialAddress = 8166;
 constexpr std::size_t kSerialDigits = 5;
 constexpr int kDone = 100;
+constexpr int kSilenceBeforeModbus = 600;
 
 int CellBits(Space space) {
   return space == Space::input || space == Space::holding ? 16 : 8;
@@ -46,9 +48,32 @@ bool HasRoom(const Target& target, std::int32_t value) {
   return value >= -end / 2 && value < end;
 }
 
+Space SpaceOf(int kind) {
+  return kind == SensorMemory::ram ? Space::ram : Space::eeprom;
+}
+
+/// The mark of the same thing, or a new one behind the others.
+template <typename Mark, typename IsSame>
+Mark& MarkIn(std::vector<Mark>& marks, IsSame isSame) {
+  const auto found = std::find_if(marks.begin(), marks.end(), isSame);
+  return found == marks.end() ? marks.emplace_back() : *found;
+}
+
 bool FillsItsCells(const Target& target) {
   return target.shift == 0 && target.width == target.count * CellBits(target.space);
 }
+
+/// Tells what the line is in use for.
+class BusyWith {
+ public:
+  BusyWith(Session& session, const char* step) : session_(session) { session_.BusBusyText = step; }
+  ~BusyWith() { session_.BusBusyText.clear(); }
+  BusyWith(const BusyWith&) = delete;
+  BusyWith& operator=(const BusyWith&) = delete;
+
+ private:
+  Session& session_;
+};
 
 std::int32_t ValueIn(const Target& target, const std::vector<std::uint16_t>& cells) {
   const auto bits = Joined(target.space, cells) >> target.shift & MaskOf(target);
@@ -79,7 +104,7 @@ void BRECOM::ConnectSensor(const std::string& port, int id) {
     Attach();
   } catch (const ConnectionError&) {
     // The protocol may be chosen only after the connection, which a unit without KiBus must not end.
-    const bool isCancelled = aborted_ || Connected() || context_.session.Over();
+    const bool isCancelled = Interrupted() || Connected() || context_.session.Over();
     if (isModbus_ || isCancelled || !AnswersOnModbus()) throw;
     awaitsModbus_ = true;
   }
@@ -91,8 +116,13 @@ bool BRECOM::AnswersOnModbus() {
   ModbusRoad road(context_.modbus, context_.modbusSettings, onlyOnce);
   bool answers = true;
   try {
-    road.Connect(port_, id_);
-  } catch (const ConnectionError&) {
+    // A unit on Modbus takes what KiBus has just said for the beginning of a request, until the line is
+    // silent.
+    context_.link.Open();
+    context_.link.Pause(kSilenceBeforeModbus);
+    context_.link.Close();
+    if (mine == attachment_) road.Connect(port_, id_);
+  } catch (const std::runtime_error&) {
     answers = false;
   }
   if (mine != attachment_) return false;
@@ -104,7 +134,7 @@ void BRECOM::Attach() {
   Disconnect();
   // Another connection may be made while this one still waits for its unit.
   const auto stop = [this, mine = ++attachment_] {
-    return aborted_ || mine != attachment_ || context_.session.Over();
+    return Interrupted() || mine != attachment_ || context_.session.Over();
   };
   if (isModbus_) {
     road_ = std::make_shared<ModbusRoad>(context_.modbus, context_.modbusSettings, stop);
@@ -113,7 +143,7 @@ void BRECOM::Attach() {
   }
   const auto road = road_;
   try {
-    Run([this](Road& each) { each.Connect(port_, id_); });
+    Run([this](Road& each) { each.Connect(port_, id_); }, kDone);
   } catch (const ConnectionError&) {
     if (road_ == road) Release();
     throw;
@@ -129,12 +159,23 @@ void BRECOM::Release() {
   awaitsModbus_ = false;
   if (const auto road = std::exchange(road_, nullptr)) road->Disconnect();
   known_.clear();
+  ForgetAnnounced();
+}
+
+void BRECOM::ForgetAnnounced() {
   announced_.clear();
+  announcedCells_ = arrivedCells_ = 0;
+}
+
+/// Of the announced cells, as soon as so many more have arrived.
+int BRECOM::AnnouncedPercent(std::size_t more) const {
+  if (announcedCells_ == 0) return kDone;
+  return static_cast<int>((arrivedCells_ + more) * kDone / announcedCells_);
 }
 
 void BRECOM::CloseConnection() {
   Disconnect();
-  marked_.clear();
+  ForgetMarks();
 }
 
 std::string BRECOM::SerialNumberText() {
@@ -149,33 +190,40 @@ Target BRECOM::TargetOf(std::string_view name) const {
   return isModbus_ ? context_.names.OnModbus(name) : context_.names.OnKiBus(name);
 }
 
+Target BRECOM::TargetForWriting(std::string_view name) const {
+  return isModbus_ ? context_.names.ForWritingOnModbus(name) : context_.names.OnKiBus(name);
+}
+
 Target BRECOM::TargetOf(const Place& place) const {
   return isModbus_ ? NameTable::OnModbus(place) : NameTable::OnKiBus(place);
 }
 
 /// One transfer. What ends it from outside makes it a cancelled one, whatever the road makes of that.
-void BRECOM::Run(const std::function<void(Road&)>& transfer) {
+void BRECOM::Run(const std::function<void(Road&)>& transfer, int percent, const char* step) {
   if (awaitsModbus_) throw ConnectionError("The unit does not answer on KiBus.");
   if (!road_) throw ConnectionError("There is no connection.");
   if (context_.session.Over()) throw ConnectionError("The session is over");
   const auto road = road_;
-  const auto isCancelled = [&] { return aborted_ || road_ != road; };
+  const auto isCancelled = [&] { return Interrupted() || road_ != road; };
   aborted_ = false;
+  const BusyWith busy(context_.session, step);
   try {
-    transfer(*road);
-    if (onProgress) onProgress(kDone);
+    if (!isCancelled()) transfer(*road);
+    if (!isCancelled() && onProgress) onProgress(percent);
     if (!isCancelled()) return;
   } catch (const ConnectionError&) {
-    announced_.clear();
+    ForgetAnnounced();
     if (!isCancelled()) throw;
   }
-  announced_.clear();
-  throw ConnectionError("Cancel was selected");
+  ForgetAnnounced();
+  throw ConnectionError(kCancelSelected);
 }
 
 std::int32_t BRECOM::ReadTarget(const Target& target) {
   std::vector<std::uint16_t> cells;
-  if (!TakeAnnounced(target, cells)) cells = ReadCells(target.space, target.first, target.count);
+  if (!TakeAnnounced(target, cells)) {
+    cells = ReadCells(target.space, target.first, target.count, AnnouncedPercent());
+  }
   return ValueIn(target, cells);
 }
 
@@ -186,7 +234,7 @@ void BRECOM::WriteTarget(const Target& target, std::int32_t value) {
   }
   std::uint64_t bits = 0;
   if (!FillsItsCells(target)) {
-    bits = Joined(target.space, ReadCells(target.space, target.first, target.count));
+    bits = Joined(target.space, ReadCells(target.space, target.first, target.count, AnnouncedPercent()));
     bits &= ~(MaskOf(target) << target.shift);
   }
   bits |= (static_cast<std::uint64_t>(value) & MaskOf(target)) << target.shift;
@@ -208,10 +256,12 @@ bool BRECOM::TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cel
     isThere = isThere && !isWanted(cell);
   }
   if (!isThere) {
-    const int most = road_ ? road_->Most(target.space) : target.count;
+    const int most = Most(target.space, target.count);
     while (end - first < most && isWanted(end)) ++end;
     while (end - first < most && isWanted(first - 1)) --first;
-    const auto read = ReadCells(target.space, first, end - first);
+    const auto more = static_cast<std::size_t>(end - first);
+    const auto read = ReadCells(target.space, first, end - first, AnnouncedPercent(more));
+    arrivedCells_ += more;
     for (int cell = first; cell < end; ++cell) {
       announced_[{target.space, cell}] = read.at(static_cast<std::size_t>(cell - first));
     }
@@ -223,15 +273,36 @@ bool BRECOM::TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cel
   return true;
 }
 
-std::vector<std::uint16_t> BRECOM::ReadCells(Space space, int first, int count) {
+std::vector<std::uint16_t> BRECOM::ReadCells(Space space, int first, int count, int percent) {
   std::vector<std::uint16_t> cells;
-  Run([&](Road& road) { cells = road.Read(space, first, count); });
+  Run([&](Road& road) { cells = road.Read(space, first, count); }, percent);
   return cells;
 }
 
+std::vector<std::uint8_t> BRECOM::ReadBlock(const Place& place) {
+  if (!IsInMemory(place)) throw ConnectionError("There is no such memory in the unit.");
+  const auto target = TargetOf(place);
+  std::vector<std::uint8_t> bytes;
+  for (int done = 0; done < target.count;) {
+    const int count = std::min(target.count - done, Most(target.space, target.count));
+    const auto cells =
+        ReadCells(target.space, target.first + done, count, (done + count) * kDone / target.count);
+    for (const auto cell : cells) {
+      if (target.space == Space::holding) bytes.push_back(static_cast<std::uint8_t>(cell >> 8));
+      bytes.push_back(static_cast<std::uint8_t>(cell & 255));
+    }
+    done += count;
+  }
+  // On Modbus the run may begin or end inside a register.
+  const auto surplus = target.space == Space::holding ? place.address % 2 : 0;
+  bytes.erase(bytes.begin(), bytes.begin() + surplus);
+  bytes.resize(static_cast<std::size_t>(place.width));
+  return bytes;
+}
+
 void BRECOM::WriteCells(Space space, int first, const std::vector<std::uint16_t>& cells) {
-  announced_.clear();
-  Run([&](Road& road) { road.Write(space, first, cells); });
+  ForgetAnnounced();
+  Run([&](Road& road) { road.Write(space, first, cells); }, kDone, "Sending to sensor");
 }
 
 // What a connection hands out
@@ -242,13 +313,14 @@ Node SensorNodes::FindNode(std::string_view name, std::string_view) const {
 }
 
 void SensorNodes::Announce(const std::vector<std::string>& names) {
-  connection_->announced_.clear();
+  connection_->ForgetAnnounced();
   for (const auto& name : names) {
     const auto target = connection_->TargetOf(name);
     for (int i = 0; i < target.count; ++i) {
       connection_->announced_.insert({{target.space, target.first + i}, std::nullopt});
     }
   }
+  connection_->announcedCells_ = connection_->announced_.size();
 }
 
 std::int32_t Node::GetValue(bool fromSensor) const {
@@ -258,12 +330,22 @@ std::int32_t Node::GetValue(bool fromSensor) const {
 }
 
 void Node::SetValue(bool toSensor, std::int32_t value) {
-  if (toSensor) connection_->WriteTarget(connection_->TargetOf(name_), value);
+  if (toSensor) connection_->WriteTarget(connection_->TargetForWriting(name_), value);
   connection_->known_[name_] = value;
 }
 
 void Node::MarkForSave(std::int32_t mask) {
-  connection_->marked_[name_] = mask;
+  auto& mark = MarkIn(connection_->marks_.names, [&](const auto& each) { return each.name == name_; });
+  mark = {name_, mask};
+}
+
+int Node::Width() const {
+  return connection_->TargetOf(name_).width;
+}
+
+bool Node::Takes(std::int32_t value) const {
+  const auto target = connection_->TargetForWriting(name_);
+  return target.space != Space::input && HasRoom(target, value);
 }
 
 std::uint8_t SensorMemory::PartNumber() const {
@@ -271,13 +353,24 @@ std::uint8_t SensorMemory::PartNumber() const {
 }
 
 std::int32_t SensorMemory::ReadBytes(int address, int width, int kind, int mask) const {
-  const Place place{kind == ram ? Space::ram : Space::eeprom, address, width, false, mask};
+  const Place place{SpaceOf(kind), address, width, false, mask};
   return connection_->ReadTarget(connection_->TargetOf(place));
 }
 
 void SensorMemory::WriteWord(int address, int width, int kind, int mask, std::int32_t value) {
-  const Place place{kind == ram ? Space::ram : Space::eeprom, address, width, false, mask};
+  const Place place{SpaceOf(kind), address, width, false, mask};
   connection_->WriteTarget(connection_->TargetOf(place), value);
+}
+
+std::vector<std::uint8_t> SensorMemory::ReadBlock(int address, int count, int kind) const {
+  return connection_->ReadBlock({SpaceOf(kind), address, count});
+}
+
+void SensorMemory::MarkBlock(int address, int count, int kind, int mask) {
+  const auto isSame = [&](const auto& each) {
+    return each.address == address && each.count == count && each.kind == kind;
+  };
+  MarkIn(connection_->marks_.blocks, isSame) = {address, count, kind, mask};
 }
 
 }  // namespace brelant

@@ -34,6 +34,11 @@ class Node {
   void SetValue(bool toSensor, std::int32_t value);
   /// The bits of the parameter that the next settings file holds; -1: all of a word.
   void MarkForSave(std::int32_t mask);
+  /// How many bits the parameter has; no value has more.
+  int Width() const;
+  /// The value can be written: it has room, as a number with a sign or without, and its place is not one that
+  /// is read only.
+  bool Takes(std::int32_t value) const;
 
  private:
   BRECOM* connection_;
@@ -66,9 +71,29 @@ class SensorMemory {
   /// `width` 1 or 2 bytes, high byte first; `mask` other than 0 narrows to its bits.
   std::int32_t ReadBytes(int address, int width, int kind, int mask) const;
   void WriteWord(int address, int width, int kind, int mask, std::int32_t value);
+  /// A run of bytes, in as few transfers as the road allows. The progress is that of the whole run.
+  std::vector<std::uint8_t> ReadBlock(int address, int count, int kind) const;
+  /// The bits of each byte of a run that the next settings file holds.
+  void MarkBlock(int address, int count, int kind, int mask);
 
  private:
   BRECOM* connection_;
+};
+
+/// What the next settings file holds, in the order of marking. What is marked again keeps its place.
+struct Marks {
+  struct Name {
+    std::string name;
+    std::int32_t mask;
+  };
+  struct Block {
+    int address;
+    int count;
+    int kind;
+    int mask;
+  };
+  std::vector<Name> names;
+  std::vector<Block> blocks;
 };
 
 /// The connection object of the symbolic road: parameters by name, over KiBus or Modbus
@@ -101,10 +126,13 @@ class BRECOM {
   SensorNodes Nodes() { return SensorNodes(*this); }
   SensorMemory Memory() { return SensorMemory(*this); }
   std::string SerialNumberText();
-  /// Ends the running operation, which then throws.
+  const Marks& Marked() const { return marks_; }
+  void ForgetMarks() { marks_ = {}; }
+  /// Ends the running operation, which then throws. Session::CancelPressed does the same, and lets no other
+  /// one begin until it is cleared.
   void Abort() { aborted_ = true; }
 
-  /// Told during each transfer, in percent.
+  /// Told with each transfer, in percent: of the cells that are announced, if there are any.
   std::function<void(int)> onProgress;
 
  private:
@@ -114,15 +142,23 @@ class BRECOM {
 
   Target TargetOf(std::string_view name) const;
   Target TargetOf(const Place& place) const;
+  Target TargetForWriting(std::string_view name) const;
   std::int32_t ReadTarget(const Target& target);
   void WriteTarget(const Target& target, std::int32_t value);
-  std::vector<std::uint16_t> ReadCells(Space space, int first, int count);
+  std::vector<std::uint8_t> ReadBlock(const Place& place);
+  /// `percent`: what is done when they are there.
+  std::vector<std::uint16_t> ReadCells(Space space, int first, int count, int percent);
   void WriteCells(Space space, int first, const std::vector<std::uint16_t>& cells);
   bool TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cells);
   void Attach();
   void Release();
   bool AnswersOnModbus();
-  void Run(const std::function<void(Road&)>& transfer);
+  void Run(const std::function<void(Road&)>& transfer, int percent, const char* step = "Reading from sensor");
+  /// Something has ended the running operation from outside.
+  bool Interrupted() const { return aborted_ || context_.session.CancelPressed; }
+  void ForgetAnnounced();
+  int AnnouncedPercent(std::size_t more = 0) const;
+  int Most(Space space, int otherwise) const { return road_ ? road_->Most(space) : otherwise; }
 
   using CellKey = std::pair<Space, int>;
 
@@ -138,9 +174,11 @@ class BRECOM {
   std::string port_;
   int id_ = kOnlyUnit;
   std::map<std::string, std::int32_t, std::less<>> known_;
-  std::map<std::string, std::int32_t, std::less<>> marked_;
+  Marks marks_;
   /// Cells that will be asked for, and those of them that came along with another one.
   std::map<CellKey, std::optional<std::uint16_t>> announced_;
+  std::size_t announcedCells_ = 0;
+  std::size_t arrivedCells_ = 0;
 };
 
 }  // namespace brelant

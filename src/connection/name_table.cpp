@@ -37,6 +37,10 @@ constexpr int kChannels = 12;
 constexpr int kChannelStates = 256;
 constexpr int kRegulatorStates = 272;
 constexpr int kGeneralStates = 288;
+constexpr int kCalibration = 320;
+constexpr int kLogCounts = 336;
+constexpr int kLogNexts = 340;
+constexpr int kLogAge = 344;
 constexpr int kUserInfo = 4096;
 constexpr int kSensorId = 4160;
 constexpr int kRegulators = 4224;
@@ -77,7 +81,17 @@ void AddLive(Builder& table) {
   for (const int regulator : {4, 5, 6, 7, 13}) {
     table.Add("raRegStat", regulator, LiveByte(kRegulatorStates + regulator));
   }
-  table.Add("raGenStat", 8, LiveWord(kGeneralStates + 2 * 8));
+  for (const int i : {8, 9}) table.Add("raGenStat", i, LiveWord(kGeneralStates + 2 * i));
+  table.Add("raCalPar", 0, LiveWord(kCalibration, kSigned));
+  table.Add("raCalPar", 1, LiveWord(kCalibration + 2));
+}
+
+void AddLoggers(Builder& table) {
+  for (const int logger : {0, 1}) {
+    table.Add("raLoggCount", logger, LiveWord(kLogCounts + 2 * logger));
+    table.Add("raLoggNext", logger, LiveWord(kLogNexts + 2 * logger));
+  }
+  table.Add("raLoggAge", 0, LiveWord(kLogAge));
 }
 
 void AddChannels(Builder& table) {
@@ -159,6 +173,7 @@ Target TargetOf(const Register& modbus, bool isSigned) {
 NameTable NameTable::Standard() {
   Builder builder;
   AddLive(builder);
+  AddLoggers(builder);
   AddChannels(builder);
   AddLevels(builder);
   AddSettings(builder);
@@ -197,6 +212,13 @@ Target NameTable::OnModbus(std::string_view name) const {
   }
   const auto& row = Find(name);
   return row.modbus ? TargetOf(*row.modbus, row.place.isSigned) : OnModbus(row.place);
+}
+
+Target NameTable::ForWritingOnModbus(std::string_view name) const {
+  const auto target = OnModbus(name);
+  if (target.space != Space::input || NumberBehind(name, kInputPrefix)) return target;
+  const auto& place = Find(name).place;
+  return place.memory == Space::eeprom ? OnModbus(place) : target;
 }
 
 /// A register that a row names has the sign of its row.

@@ -65,6 +65,9 @@ class NameTable {
   /// a name that has no register lies in a window of holding registers.
   Target OnKiBus(std::string_view name) const;
   Target OnModbus(std::string_view name) const;
+  /// Where a parameter is written on Modbus: a stored one that has an input register, which nobody can write,
+  /// through the window.
+  Target ForWritingOnModbus(std::string_view name) const;
 
   static Target OnKiBus(const Place& place);
   static Target OnModbus(const Place& place);
@@ -80,5 +83,12 @@ class NameTable {
 /// register (docs/names.md).
 inline constexpr int kRamWindow = 4096;
 inline constexpr int kEepromWindow = 8192;
+
+/// Bytes of each of the memories; the windows have room for no more.
+inline constexpr int kMemoryBytes = 2 * (kEepromWindow - kRamWindow);
+/// A run of at least one byte, `width` is its length.
+constexpr bool IsInMemory(const Place& place) {
+  return place.address >= 0 && place.width > 0 && place.width <= kMemoryBytes - place.address;
+}
 
 }  // namespace brelant

@@ -3,25 +3,17 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <exception>
 #include <limits>
 #include <stdexcept>
 
 #include "knowledge/little_endian.h"
+#include "knowledge/settings_container.h"
 #include "shell/Common.h"
 
 namespace brelant {
 
 namespace {
-
-constexpr std::size_t kHeaderSize = 17;
-constexpr std::size_t kBlockHeader = 4;
-constexpr std::size_t kReadLimit = 1501;
-constexpr std::uint32_t kMostBlocks = 255;
-constexpr std::size_t kChecksumAt = 1;
-constexpr std::size_t kLengthAt = 3;
-constexpr std::size_t kCountAt = 5;
 
 constexpr std::size_t kLowPart = 112;
 constexpr std::size_t kHighPart = 128;
@@ -31,70 +23,15 @@ constexpr std::size_t kSelectionPad = 30;
 constexpr std::size_t kPartCopy = 164;
 constexpr std::size_t kPartAddress = 65;
 
-using Bytes = std::vector<std::uint8_t>;
-
-/// Sum of the bytes from 17 up to and including length + 17; the one past the end of the file counts as 0.
-std::uint16_t ChecksumOf(std::span<const std::uint8_t> file, std::size_t length) {
-  std::uint32_t sum = 0;
-  for (std::size_t i = kHeaderSize; i <= length + kHeaderSize; ++i) sum += i < file.size() ? file[i] : 0;
-  return static_cast<std::uint16_t>(sum);
-}
-
-std::string Lower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
-
-std::string WithEnding(const std::string& name) {
-  const auto lower = Lower(name);
-  return lower.size() >= 4 && lower.ends_with(".set") ? name : name + ".Set";
-}
+using container::Bytes;
+using container::kBlockHeader;
+using container::kHeaderSize;
+using container::kReadLimit;
 
 /// The test for the name starts one place early, so that no name that ends in "last.set" meets it.
 bool IsNamedLast(const std::string& name) {
   constexpr std::size_t kName = 8;
-  return name.size() > kName && Lower(name).substr(name.size() - kName - 1, kName) == "last.set";
-}
-
-bool IsDiscarded(const std::string& name, const Bytes& old) {
-  if (IsNamedLast(name) || old.size() <= kHeaderSize) return true;
-  const auto length = ReadLittleEndian(old, kLengthAt, 2);
-  return length == 0 || ChecksumOf(old, length) != ReadLittleEndian(old, kChecksumAt, 2);
-}
-
-/// Where a block of that type stands in the file, or the end of the known blocks.
-struct Place {
-  std::size_t offset;
-  bool found;
-};
-
-Place FindPlace(const Bytes& file, std::uint32_t count, std::uint8_t block) {
-  std::size_t offset = kHeaderSize;
-  for (std::uint32_t i = 0; i < count; ++i) {
-    if (ReadLittleEndian(file, offset, 2) == block) return {offset, true};
-    offset += kBlockHeader + ReadLittleEndian(file, offset + 2, 2);
-  }
-  return {offset, false};
-}
-
-/// Replaces the block of that type, or puts it behind the last one.
-void PutBlock(Bytes& file, std::uint8_t type, const Bytes& payload) {
-  const std::uint32_t count = file[kCountAt];
-  const auto place = FindPlace(file, count, type);
-  const auto end = place.offset + kBlockHeader + payload.size();
-  if (place.found && ReadLittleEndian(file, place.offset + 2, 2) != payload.size()) {
-    throw std::length_error("The block in the file has another size");
-  }
-  if (std::max(file.size(), end) >= kReadLimit || (!place.found && count == kMostBlocks)) {
-    throw std::length_error("The file would be one that cannot be read");
-  }
-  if (file.size() < end) file.resize(end);
-  WriteLittleEndian(file, place.offset, 2, type);
-  WriteLittleEndian(file, place.offset + 2, 2, static_cast<std::uint32_t>(payload.size()));
-  std::copy(payload.begin(), payload.end(),
-            file.begin() + static_cast<std::ptrdiff_t>(place.offset + kBlockHeader));
-  WriteLittleEndian(file, kCountAt, 2, place.found ? count : count + 1);
+  return name.size() > kName && container::Lower(name).substr(name.size() - kName - 1, kName) == "last.set";
 }
 
 }  // namespace
@@ -110,21 +47,18 @@ bool snsFil::ReadSetBlock(const std::string& fileName, std::uint8_t& block, bool
 snsFil::Found snsFil::ReadBlock(const std::string& fileName, const Wanted& wanted, bool reportError) {
   std::fill_n(image_.SetBuffer.begin(), kEepromBytes, std::uint8_t{0});
   if (fileName.empty() || !machine_.files.Exists(fileName)) {
-    session_.Fail("File not found " + fileName);
+    session_.Fail(container::NotFound(fileName));
     return Found::failed;
   }
   try {
     auto file = machine_.files.Read(fileName, kReadLimit);
     const auto size = file.size();
     file.resize(kReadLimit);
-    const auto length = ReadLittleEndian(file, kLengthAt, 2);
-    if (size <= kHeaderSize || length == 0) {
-      session_.Fail("File is damaged " + fileName);
-      return Found::failed;
+    if (size > kHeaderSize && container::LengthOf(file) + kHeaderSize >= kReadLimit) {
+      throw std::out_of_range("Subscript out of range");
     }
-    if (length + kHeaderSize >= kReadLimit) throw std::out_of_range("Subscript out of range");
-    if (ChecksumOf(file, length) != ReadLittleEndian(file, kChecksumAt, 2)) {
-      session_.Fail("File is damaged " + fileName);
+    if (!container::IsSound(std::span(file).first(size))) {
+      session_.Fail(container::Damaged(fileName));
       return Found::failed;
     }
     return TakeBlocks(file, wanted);
@@ -136,9 +70,9 @@ snsFil::Found snsFil::ReadBlock(const std::string& fileName, const Wanted& wante
 
 snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, const Wanted& wanted) {
   auto& block = wanted.block;
-  const int count = file[kCountAt];
+  const auto count = container::CountOf(file);
   std::size_t offset = kHeaderSize;
-  for (int i = 0; i < count; ++i) {
+  for (std::uint32_t i = 0; i < count; ++i) {
     machine_.pump.DoEvents();
     const auto type = ReadLittleEndian(file, offset, 2);
     const auto size = ReadLittleEndian(file, offset + 2, 2);
@@ -157,7 +91,7 @@ snsFil::Found snsFil::TakeBlocks(std::span<const std::uint8_t> file, const Wante
     offset += kBlockHeader + size;
   }
   if (count == 0) return Found::noBlocks;
-  session_.Fail("Setfile error");
+  session_.Fail(container::kNoBlock);
   return Found::failed;
 }
 
@@ -199,14 +133,11 @@ bool snsFil::SaveSettings(std::uint8_t& block, const std::string& fileName, std:
 
 bool snsFil::SaveBlocks(const std::string& fileName, std::uint8_t version, std::span<const BlockWrite> blocks,
                         bool fresh) {
-  const auto name = WithEnding(fileName);
+  const auto name = container::WithEnding(fileName);
   try {
     auto file = KeptFile(name, fresh);
-    for (const auto& block : blocks) PutBlock(file, block.type, Payload(block));
-    const auto length = file.size() - kHeaderSize;
-    WriteLittleEndian(file, 0, 1, version);
-    WriteLittleEndian(file, kChecksumAt, 2, ChecksumOf(file, length));
-    WriteLittleEndian(file, kLengthAt, 2, static_cast<std::uint32_t>(length));
+    for (const auto& block : blocks) container::PutBlock(file, block.type, Payload(block));
+    container::Seal(file, version);
     machine_.files.Write(name, file);
     return true;
   } catch (const std::exception&) {
@@ -220,8 +151,7 @@ Bytes snsFil::KeptFile(const std::string& name, bool fresh) const {
   if (!fresh && machine_.files.Exists(name)) {
     file = machine_.files.Read(name, std::numeric_limits<std::size_t>::max());
   }
-  if (IsDiscarded(name, file)) file.assign(kHeaderSize, 0);
-  return file;
+  return IsNamedLast(name) || !container::IsSound(file) ? container::Empty() : file;
 }
 
 std::uint8_t snsFil::BlockOfPlatform() {

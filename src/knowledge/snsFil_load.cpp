@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "knowledge/settings_container.h"
 #include "knowledge/snsFil.h"
 #include "shell/Common.h"
 
@@ -81,7 +82,7 @@ bool snsFil::TakeSettings(const std::string& fileName, std::int32_t selector, st
   if (platform != 5 && !SelectSettings(fileName, selector)) return false;
   if (!RequireBlock(fileName, platform == 5 ? ram5 : eeprom, true)) return false;
   if (Model(platform) != model && session_.LastError != kCancelled) {
-    session_.LastError = "This setfile can't be used on this sensor";
+    session_.LastError = container::kOtherSensor;
   }
   if (!session_.LastError.empty()) return false;
 
@@ -123,8 +124,8 @@ bool snsFil::SelectSettings(const std::string& fileName, std::int32_t selector) 
 
 bool snsFil::RequireBlock(const std::string& fileName, std::uint8_t block, bool apply) {
   const auto found = ReadBlock(fileName, {block, apply, SizeOf(block)}, true);
-  if (found == Found::noBlocks) session_.Fail("Setfile error");
-  if (found == Found::otherSize) session_.Fail("File is damaged " + fileName);
+  if (found == Found::noBlocks) session_.Fail(container::kNoBlock);
+  if (found == Found::otherSize) session_.Fail(container::Damaged(fileName));
   return found == Found::block;
 }
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "platform/machine_error.h"
+
 namespace brelant {
 
 namespace {
@@ -149,6 +151,18 @@ UnitNames ParseNames(std::string_view text) {
   if (!rows.is_array()) whole.Fail("\"names\" is no list");
   for (std::size_t i = 0; i < rows.size(); ++i) known.names.Replace(RowOf({rows[i], PlaceOfRow(rows[i], i)}));
   return known;
+}
+
+UnitNames ReadUnitNames(const Files& files, const std::string& applicationPath) {
+  constexpr std::size_t kMostBytes = 1 << 20;
+  const auto path = applicationPath + "\\names.json";
+  if (!files.Exists(path)) return {};
+  try {
+    const auto bytes = files.Read(path, kMostBytes);
+    return ParseNames(std::string(bytes.begin(), bytes.end()));
+  } catch (const MachineError& error) {
+    throw NamesError(std::string("names.json: ") + error.what());
+  }
 }
 
 }  // namespace brelant

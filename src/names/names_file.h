@@ -2,18 +2,13 @@
 #pragma once
 
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
-#include "connection/ModbusRoad.h"
-#include "connection/name_table.h"
+#include "connection/unit_names.h"
+#include "platform/files.h"
 
 namespace brelant {
-
-/// What is known of units that are reached by name.
-struct UnitNames {
-  NameTable names = NameTable::Standard();
-  ModbusSettings modbus;
-};
 
 /// A names file that says what cannot be. The text names the row.
 class NamesError : public std::runtime_error {
@@ -24,5 +19,8 @@ class NamesError : public std::runtime_error {
 /// The table that comes with the program, corrected by the text of a names.json (docs/names.md). Throws
 /// NamesError.
 UnitNames ParseNames(std::string_view text);
+
+/// The same by the file of that name in the program's folder, if there is one.
+UnitNames ReadUnitNames(const Files& files, const std::string& applicationPath);
 
 }  // namespace brelant

@@ -19,6 +19,9 @@ class Clock {
 
   /// Seconds since local midnight, 0 to below 86400.
   virtual double Timer() const = 0;
+
+  /// The local date and time, as seconds from 1970-01-01 00:00:00 of the same clock on the wall.
+  virtual std::int64_t LocalTime() const = 0;
 };
 
 }  // namespace brelant

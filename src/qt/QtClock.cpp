@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qt/QtClock.h"
 
+#include <QDateTime>
 #include <QTime>
 
 namespace brelant {
@@ -20,6 +21,11 @@ std::int32_t QtClock::GetTickCount() const {
 
 double QtClock::Timer() const {
   return QTime::currentTime().msecsSinceStartOfDay() / 1000.0;
+}
+
+std::int64_t QtClock::LocalTime() const {
+  const auto now = QDateTime::currentDateTime();
+  return QDateTime(now.date(), now.time(), Qt::UTC).toSecsSinceEpoch();
 }
 
 }  // namespace brelant

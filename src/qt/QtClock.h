@@ -11,6 +11,7 @@ class QtClock : public Clock {
   std::chrono::microseconds Now() const override;
   std::int32_t GetTickCount() const override;
   double Timer() const override;
+  std::int64_t LocalTime() const override;
 
  private:
   std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();

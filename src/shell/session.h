@@ -16,6 +16,8 @@ inline constexpr const char* kApplication = "BRELANT";
 
 /// LastError of an operation that the user cancelled; it is never shown.
 inline constexpr const char* kCancelled = "Avbryt";
+/// The same of an operation on a connection.
+inline constexpr const char* kCancelSelected = "Cancel was selected";
 
 /// The state through which the modules of one process talk to each other (docs/architecture.md, State).
 struct Session {

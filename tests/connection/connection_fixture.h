@@ -101,8 +101,7 @@ class ModbusUnitTest : public ConnectionTest {
   ModbusUnitTest() {
     auto& unit = modbus.units[1];
     for (int number = 0; number < 32; ++number) unit.input[number] = unit.holding[number] = 0;
-    for (int number = 4096; number < 4096 + 256; ++number) unit.holding[number] = 0;
-    for (int number = 8192; number < 8192 + 4096; ++number) unit.holding[number] = 0;
+    for (int number = 4096; number < 12288; ++number) unit.holding[number] = 0;
     sens.SelectModbus(1);
     sens.ConnectSensor("3", -1);
     modbus.Forget();

@@ -162,6 +162,24 @@ TEST_P(InterruptionTest, AnAbortWaitsForOneAttemptAtMost) {
       });
 }
 
+TEST_P(InterruptionTest, ACancelEndsTheOperationSoonAndKeepsTheConnection) {
+  std::chrono::microseconds cancelled{};
+  Each(
+      [&](Ground& ground) {
+        ground.bus.session.CancelPressed = true;
+        cancelled = ground.bus.clock.Now();
+      },
+      [&](Ground& ground, const std::string& failure) {
+        EXPECT_EQ(failure, kCancel);
+        EXPECT_LE(ground.bus.clock.Now() - cancelled, std::chrono::milliseconds(1100));
+        EXPECT_TRUE(ground.sens.Connected());
+        EXPECT_TRUE(ground.AnyPortOpen());
+        ground.Revive();
+        ground.bus.session.CancelPressed = false;
+        EXPECT_EQ(FailureOf([&] { ReadTemperature(ground.sens); }), "");
+      });
+}
+
 TEST_P(InterruptionTest, AConnectionThatIsMadeInsideAnOperationIsNotItsOwn) {
   Each(
       [&](Ground& ground) {
@@ -286,6 +304,20 @@ TEST_F(InterruptedStartTest, AConnectionThatIsMadeInsideTheConnectingStays) {
     EXPECT_TRUE(sens.Connected()) << isModbus;
     EXPECT_EQ(isModbus == 1 ? modbus.port : port.selected, "4");
     EXPECT_EQ(FailureOf([&] { sens.Memory().PartNumber(); }), "") << isModbus;
+  }
+}
+
+TEST_F(InterruptedStartTest, ACancelEndsTheConnecting) {
+  for (const int isModbus : {0, 1}) {
+    sens.SelectModbus(isModbus);
+    bus.session.CancelPressed = false;
+    const auto start = bus.clock.Now();
+    bus.pump.After(std::chrono::milliseconds(300), [&] { bus.session.CancelPressed = true; });
+    EXPECT_EQ(FailureOf([&] { sens.ConnectSensor("3", -1); }), kCancel);
+    EXPECT_FALSE(sens.Connected());
+    EXPECT_FALSE(port.PortOpen());
+    EXPECT_FALSE(modbus.IsOpen());
+    EXPECT_LE(bus.clock.Now() - start, std::chrono::milliseconds(501));
   }
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <numeric>
 #include <utility>
@@ -11,7 +10,7 @@
 
 namespace brelant::test {
 
-/// A unit at the far end of the line with RAM of 512 and EEPROM of 8192 bytes, which reads memory frames by
+/// A unit at the far end of the line with RAM and EEPROM of 8192 bytes each, which reads memory frames by
 /// itself (docs/protocol.md, Memory frames).
 class KiBusUnit {
  public:
@@ -30,7 +29,7 @@ class KiBusUnit {
     eeprom.at(address + 1) = static_cast<std::uint8_t>(value & 255);
   }
 
-  std::array<std::uint8_t, 512> ram{};
+  std::vector<std::uint8_t> ram = std::vector<std::uint8_t>(8192);
   std::vector<std::uint8_t> eeprom = std::vector<std::uint8_t>(8192);
   /// Hears and says nothing.
   bool isSilent = false;

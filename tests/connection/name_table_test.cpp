@@ -100,6 +100,14 @@ std::vector<Row> Rows() {
       {"raRegStat_7", ram, 279, 1, false},
       {"raRegStat_13", ram, 285, 1, false},
       {"raGenStat_8", ram, 304, 2, false},
+      {"raGenStat_9", ram, 306, 2, false},
+      {"raCalPar_0", ram, 320, 2, true},
+      {"raCalPar_1", ram, 322, 2, false},
+      {"raLoggCount_0", ram, 336, 2, false},
+      {"raLoggCount_1", ram, 338, 2, false},
+      {"raLoggNext_0", ram, 340, 2, false},
+      {"raLoggNext_1", ram, 342, 2, false},
+      {"raLoggAge_0", ram, 344, 2, false},
   };
   for (int i = 0; i < 16; ++i) {
     rows.push_back({"eaTable3_" + std::to_string(i), eeprom, 4704 + 2 * i, 2, false});
@@ -323,6 +331,15 @@ TEST(NameTable, TakesAnotherPlaceForAName) {
   EXPECT_EQ(table.OnModbus("raChan_4"), (Target{Space::holding, 50, 1, 8, 8, false}));
   // Nothing signed lies in that register any more.
   EXPECT_FALSE(table.OnModbus("miIR_7").isSigned);
+}
+
+// An input register cannot be written, but what it shows can where it lies.
+TEST(NameTable, WritesAParameterOfAnInputRegisterThroughTheWindow) {
+  const auto& table = Table();
+  EXPECT_EQ(table.ForWritingOnModbus("eaCaseChannel_4"),
+            (Target{Space::holding, 8192 + 7964 / 2, 1, 8, 8, false}));
+  EXPECT_EQ(table.ForWritingOnModbus("eaRegPar0_4"), table.OnModbus("eaRegPar0_4"));
+  EXPECT_EQ(table.ForWritingOnModbus("miIR_16"), table.OnModbus("miIR_16"));
 }
 
 TEST(NameTable, TakesANameOfItsOwn) {

@@ -24,6 +24,11 @@ double VirtualClock::Timer() const {
   return std::fmod(dayOffset_ + Seconds(now_), kDay);
 }
 
+std::int64_t VirtualClock::LocalTime() const {
+  constexpr std::int64_t kSomeDay = 20000 * 86400LL;
+  return kSomeDay + static_cast<std::int64_t>(dayOffset_ + Seconds(now_));
+}
+
 void VirtualClock::AdvanceTo(std::chrono::microseconds when) {
   now_ = std::max(now_, when);
 }

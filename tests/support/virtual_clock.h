@@ -12,6 +12,8 @@ class VirtualClock : public Clock {
   std::chrono::microseconds Now() const override { return now_; }
   std::int32_t GetTickCount() const override;
   double Timer() const override;
+  /// Some day, at the time of Timer.
+  std::int64_t LocalTime() const override;
 
   void Advance(std::chrono::microseconds by) { now_ += by; }
   /// Never back: an earlier moment changes nothing.
