@@ -6,12 +6,15 @@
 #include <cctype>
 
 #include "app/connection.h"
+#include "connection/ReadPartModbus.h"
+#include "connection/connection_error.h"
 #include "panels/frm5.h"
 #include "panels/frm5Chart.h"
 #include "panels/frm6.h"
 #include "panels/frm61.h"
 #include "panels/platform61/transfers.h"
 #include "platform/machine_error.h"
+#include "safety/frmZ7731Chart.h"
 #include "shell/Common.h"
 
 namespace brelant {
@@ -31,9 +34,16 @@ struct PanelChoice {
 };
 
 constexpr std::array kPanelChoices{
-    PanelChoice{5, 0, 0, "frm5"},   PanelChoice{5, 1, 3, "frm5Chart"}, PanelChoice{6, 0, 5, "frm6"},
-    PanelChoice{61, 0, 1, "frm61"}, PanelChoice{7, 1, 2, "frm61"},
+    PanelChoice{5, 0, 0, "frm5"},          PanelChoice{5, 1, 3, "frm5Chart"},
+    PanelChoice{6, 0, 5, "frm6"},          PanelChoice{61, 0, 1, "frm61"},
+    PanelChoice{7, 1, 2, "frm61"},         PanelChoice{9, 1, 1, "frmZ7731Chart"},
+    PanelChoice{9, 3, 3, "frmZ7731Chart"}, PanelChoice{9, 5, 7, "frmZ7731Chart"},
 };
+
+/// Of a simulated safety unit, which is not asked for its model.
+constexpr float kAnyModel = 1;
+/// "eaUserInfo_28" of every unit that is reached by name.
+constexpr std::int32_t kSymbolicUnit = 117;
 
 const PanelChoice* ChoiceFor(int platform, float variant) {
   const auto found = std::find_if(kPanelChoices.begin(), kPanelChoices.end(), [&](const PanelChoice& choice) {
@@ -92,6 +102,7 @@ void KVXMain::FillPanelList() {
   panelList_.push_back({"frm5Chart", [this] { return std::make_unique<frm5Chart>(context_); }});
   panelList_.push_back({"frm6", [this] { return std::make_unique<frm6>(context_); }});
   panelList_.push_back({"frm61", [this] { return std::make_unique<frm61>(context_); }});
+  panelList_.push_back({"frmZ7731Chart", [this] { return std::make_unique<frmZ7731Chart>(context_); }});
 }
 
 void KVXMain::AskForSettings() {
@@ -106,6 +117,7 @@ void KVXMain::AskForSettings() {
 
 KVXMain::Outcome KVXMain::Start() {
   auto& dialog = context_.comSet;
+  context_.session.CancelPressed = false;
   link_.SetCommPort(dialog.txbComPort.Text());
   // So that a second attempt does not meet the flags of the first sensor.
   context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
@@ -126,12 +138,10 @@ KVXMain::Outcome KVXMain::ConnectSensor() {
 }
 
 bool KVXMain::ReadPartNumber() {
-  if (SpeaksKiBus(context_.comSet)) {
-    return context_.com.ReadSensorMemory(0, 65, 1, false, false);
-  }
-  // No sensor that this release has a panel for speaks Modbus.
-  context_.session.Fail("Can't read from sensor");
-  return false;
+  const auto& dialog = context_.comSet;
+  if (SpeaksKiBus(dialog)) return context_.com.ReadSensorMemory(0, 65, 1, false, false);
+  if (!SpeaksModbus(dialog)) return true;
+  return ReadPartModbus(context_.connection, context_.image, dialog.txbComPort.Text(), true);
 }
 
 KVXMain::Outcome KVXMain::LoadSimulation() {
@@ -183,8 +193,9 @@ void KVXMain::PresetVega3() {
 }
 
 bool KVXMain::PreparePanel(bool simulated) {
-  if (!ReadImage(simulated)) return false;
-  const auto* choice = ChoiceFor(context_.info.GetPlatform(), context_.info.GetProductVariant());
+  float variant = 0;
+  if (!ReadSensor(simulated, variant)) return false;
+  const auto* choice = ChoiceFor(context_.info.GetPlatform(), variant);
   const auto entry = std::find_if(panelList_.begin(), panelList_.end(), [&](const PanelEntry& candidate) {
     return choice != nullptr && candidate.name == choice->panel;
   });
@@ -198,7 +209,35 @@ bool KVXMain::PreparePanel(bool simulated) {
   return panel_->FormUpdateInit() && panel_->FormUpdate();
 }
 
-/// What the panel of the attached platform needs before it can be chosen and filled.
+/// The variant of what is attached, and what its panel needs before it can be filled.
+bool KVXMain::ReadSensor(bool simulated, float& variant) {
+  if (context_.info.GetPlatform() == kSafetySystem) {
+    variant = kAnyModel;
+    return simulated || ReadModel(variant);
+  }
+  if (!ReadImage(simulated)) return false;
+  variant = context_.info.GetProductVariant();
+  return true;
+}
+
+/// The model code of a unit that is reached by name. The connection is gone again before a panel makes its
+/// own, whatever happens.
+bool KVXMain::ReadModel(float& model) {
+  const auto& dialog = context_.comSet;
+  context_.msg.ShowProgress("Reading sensor", true, nullptr);
+  try {
+    BRECOM sens(context_.connection);
+    sens.ConnectSensor(dialog.txbComPort.Text(), IdForConnection(dialog, context_.session));
+    if (SpeaksModbus(dialog)) sens.SelectModbus(1);
+    model = static_cast<float>(sens.Nodes().FindNode("eaUserInfo_29", "").GetValue(true));
+    if (sens.Nodes().FindNode("eaUserInfo_28", "").GetValue(true) == kSymbolicUnit) return true;
+    context_.session.LastError = kUnknownSensor;
+  } catch (const ConnectionError& error) {
+    context_.session.Fail(error.what());
+  }
+  return false;
+}
+
 bool KVXMain::ReadImage(bool simulated) {
   switch (context_.info.GetPlatform()) {
     case 5:
@@ -245,7 +284,7 @@ void KVXMain::EndSession() {
   session.sessionOver = true;
   auto* panel = session.CurrentPanel;
   if (panel != nullptr && panel->form.Visible()) {
-    panel->GiveImageBack();
+    panel->LeaveSession();
     panel->FormRead();
     SaveLastSettings();
     panel->form.Hide();

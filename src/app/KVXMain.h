@@ -52,6 +52,8 @@ class KVXMain {
   void FillSimulationList();
   void PresetVega3();
   bool PreparePanel(bool simulated);
+  bool ReadSensor(bool simulated, float& variant);
+  bool ReadModel(float& model);
   bool ReadImage(bool simulated);
   bool ReadWhole(std::int32_t selector, bool isEeprom);
   bool ReadSettingsOf7();

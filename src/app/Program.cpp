@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "app/Program.h"
 
+#include <utility>
+
 namespace brelant {
 
 namespace {
@@ -12,8 +14,9 @@ std::string WithoutTrailingSeparator(std::string path) {
 
 }  // namespace
 
-Program::Program(const Machine& machine, const std::string& applicationPath)
-    : link(session, machine),
+Program::Program(const Machine& machine, const std::string& applicationPath, UnitNames names)
+    : unitNames(std::move(names)),
+      link(session, machine),
       com(session, image, link, machine),
       definitions(session, image, com, machine),
       info(session, image, com, definitions, machine),
@@ -38,6 +41,7 @@ Program::Program(const Machine& machine, const std::string& applicationPath)
             comSet,
             spanNote,
             calCurve,
+            {session, link, machine.files, machine.modbusMaster, unitNames.names, unitNames.modbus},
             {}},
            link, sim, WithoutTrailingSeparator(applicationPath)) {}
 

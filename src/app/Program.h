@@ -9,6 +9,7 @@
 #include "comm/SensorImage.h"
 #include "comm/SerialLink.h"
 #include "comm/snscom.h"
+#include "connection/unit_names.h"
 #include "knowledge/SnsInfo.h"
 #include "knowledge/Table.h"
 #include "knowledge/definitions.h"
@@ -26,13 +27,14 @@ namespace brelant {
 /// One instance of each module, made and wired: everything of one process above the machine.
 struct Program {
   /// `applicationPath` is the folder where the program's files lie.
-  Program(const Machine& machine, const std::string& applicationPath);
+  Program(const Machine& machine, const std::string& applicationPath, UnitNames names = {});
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;
 
   /// Sessions, one after the other, until the process is over.
   void Run();
 
+  const UnitNames unitNames;
   Session session;
   Screen screen;
   SensorImage image;

@@ -2,6 +2,9 @@
 #include "app/SendFile.h"
 
 #include "app/connection.h"
+#include "connection/BREFILE.h"
+#include "connection/ReadPartModbus.h"
+#include "connection/connection_error.h"
 
 namespace brelant {
 
@@ -42,16 +45,17 @@ bool SendFile::SendChosen() {
 }
 
 bool SendFile::Send(const std::string& fileName) {
-  if (!SpeaksKiBus(context_.comSet)) {
-    // No sensor that this release can send to speaks Modbus.
-    context_.session.Fail("Can't read from sensor");
-    return false;
+  const bool isModbus = SpeaksModbus(context_.comSet);
+  if (isModbus) {
+    Connect();
+    if (!ReadPartModbus(context_.connection, context_.image, Port(), true)) return false;
   }
   if (fileName.empty()) return true;
-  Connect();
+  if (!isModbus) Connect();
   // The platform comes from a byte that is fetched here.
   if (context_.info.GetPartNumber() == 0 && !context_.session.LastError.empty()) return false;
   const int platform = context_.info.GetPlatform();
+  if (platform == kSafetySystem) return SendByNames(fileName);
   if (!ReadSensor(platform)) return false;
   const float part = context_.image.RamImage[kPart];
   if (!context_.file.LoadSettings(fileName, 0)) return false;
@@ -60,8 +64,28 @@ bool SendFile::Send(const std::string& fileName) {
   return WriteSensor(platform);
 }
 
+/// A unit that is reached by name takes the file by itself; the image plays no part.
+bool SendFile::SendByNames(const std::string& fileName) {
+  try {
+    BRECOM sens(context_.connection);
+    sens.ConnectSensor(Port(), IdForConnection(context_.comSet, context_.session));
+    if (SpeaksModbus(context_.comSet)) sens.SelectModbus(1);
+    BREFILE file({sens, context_.machine.files, context_.machine.userInterface});
+    file.onAction = [this](const std::string& text) { ShowProgress(text, false); };
+    file.onProgress = [this](int percent) {
+      context_.session.BusProgress = static_cast<std::uint8_t>(percent);
+    };
+    if (file.Read(fileName)) file.Send();
+    return true;
+  } catch (const ConnectionError& error) {
+    context_.session.Fail(error.what());
+    return false;
+  }
+}
+
 void SendFile::Connect() {
-  link_.SetCommPort(context_.comSet.txbComPort.Text());
+  context_.session.CancelPressed = false;
+  link_.SetCommPort(Port());
   context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
   TakeSensorId(context_.comSet, context_.session);
 }

@@ -22,6 +22,8 @@ class SendFile {
  private:
   bool SendChosen();
   void Connect();
+  bool SendByNames(const std::string& fileName);
+  const std::string& Port() const { return context_.comSet.txbComPort.Text(); }
   bool ReadSensor(int platform);
   bool ReadImage(std::int32_t selector, bool isEeprom, float highestVariant);
   bool WriteSensor(int platform);

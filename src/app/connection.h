@@ -6,11 +6,17 @@
 
 namespace brelant {
 
+/// The platform of the safety system.
+inline constexpr int kSafetySystem = 9;
 inline constexpr const char* kUnknownSensor = "Unknown sensor type, can't connect to sensor.";
 
 /// The protocol that the dialog chooses.
 bool SpeaksKiBus(const frmComSet& dialog);
+bool SpeaksModbus(const frmComSet& dialog);
 /// The bus ID that the dialog chooses; with no start mode chosen the present one stays.
 void TakeSensorId(const frmComSet& dialog, Session& session);
+
+/// The same ID as a connection object takes it.
+int IdForConnection(const frmComSet& dialog, const Session& session);
 
 }  // namespace brelant

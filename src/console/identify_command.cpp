@@ -4,7 +4,10 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <utility>
 
+#include "app/connection.h"
+#include "connection/connection_error.h"
 #include "console/json_lines.h"
 #include "console/visit.h"
 
@@ -17,14 +20,32 @@ struct IdentifyOptions {
   bool json = false;
 };
 
+/// A unit that is reached by name tells of itself by name.
+std::optional<Json> AskByNames(Visit& visit, Json identity) {
+  try {
+    const auto sens = visit.Connect();
+    const auto text = sens->SerialNumberText();
+    const auto part = std::to_string(sens->Memory().PartNumber());
+    identity["variant"] = sens->Nodes().FindNode("eaUserInfo_29", "").GetValue(true);
+    identity["serial"] = std::stol(text.substr(part.size()));
+    identity["identity"] = text;
+    return identity;
+  } catch (const ConnectionError& error) {
+    visit.program().session.Fail(error.what());
+    return {};
+  }
+}
+
 /// Nothing, with the reason in LastError, if the sensor stops answering. What is merely unknown is 0.
-std::optional<Json> Ask(Program& program) {
+std::optional<Json> Ask(Visit& visit) {
+  auto& program = visit.program();
   auto& info = program.info;
   auto& session = program.session;
   const auto platform = info.GetPlatform();
   Json identity{
       {"part", info.GetPartNumber()}, {"platform", platform}, {"generation", info.GetProtocolGeneration()}};
   session.LastError.clear();
+  if (platform == kSafetySystem) return AskByNames(visit, std::move(identity));
   identity["variant"] = static_cast<int>(info.GetProductVariant());
   identity["serial"] = static_cast<long>(info.GetSerialNumber());
   identity["identity"] = info.GetSensorIdentity();
@@ -43,7 +64,7 @@ void Print(const Json& identity, bool asJson) {
 
 int Identify(const Options& options, const IdentifyOptions& own) {
   Visit visit(options, own.connection);
-  const auto identity = visit.FindSensor() ? Ask(visit.program()) : std::nullopt;
+  const auto identity = visit.FindSensor() ? Ask(visit) : std::nullopt;
   if (!identity) {
     std::cerr << visit.program().session.LastError << std::endl;
     return kFailed;

@@ -12,7 +12,7 @@ UserInterface::Reply PlainUser::MessageBox(const std::string& text, Buttons butt
   return buttons == Buttons::yesNo ? Reply::no : Reply::ok;
 }
 
-std::optional<std::string> PlainUser::InputBox(const std::string& /*prompt*/) {
+std::optional<std::string> PlainUser::InputBox(const std::string& /*prompt*/, const std::string& /*title*/) {
   return {};
 }
 

@@ -7,6 +7,7 @@
 
 #include "app/Program.h"
 #include "console/script/runner.h"
+#include "names/names_file.h"
 #include "qt/QtMachine.h"
 #include "qt/StdinLines.h"
 #include "qt/machine_path.h"
@@ -21,7 +22,8 @@ int Play(const Options& options, Script& script, bool readsStdin) {
   JsonLines out(std::cout);
   script::ScriptedUser user(out, [](const std::string& path) { return MachinePath(path).toStdString(); });
   QtMachine machine(options, user);
-  Program program(machine.machine(), ResolveAppDir(options));
+  const auto folder = ResolveAppDir(options);
+  Program program(machine.machine(), folder, ReadUnitNames(machine.machine().files, folder));
   if (!options.port.empty()) program.comSet.txbComPort.SetText(options.port);
   const auto all = machine.machine();
   script::Runner runner(script, user, out,

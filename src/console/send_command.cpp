@@ -23,7 +23,10 @@ int Send(const Options& options, const SendOptions& own) {
   Visit visit(options, own.connection);
   auto& session = visit.program().session;
   // As the Cancel button does: the transfer ends at its next step.
-  const Interrupt interrupt([&session] { session.LastError = kCancelled; });
+  const Interrupt interrupt([&session] {
+    session.CancelPressed = true;
+    session.LastError = kCancelled;
+  });
   if (!visit.Send(own.file)) {
     std::cerr << (session.LastError == kCancelled ? "Cancelled" : session.LastError) << std::endl;
     return kFailed;

@@ -4,6 +4,9 @@
 #include <iostream>
 #include <utility>
 
+#include "connection/ReadPartModbus.h"
+#include "names/names_file.h"
+
 namespace brelant {
 
 CLI::App& AddConnectedCommand(CommandLine& line, const std::string& name, const std::string& description,
@@ -20,11 +23,14 @@ CLI::App& AddConnectedCommand(CommandLine& line, const std::string& name, const 
 }
 
 Visit::Visit(const Options& options, const Connection& connection)
-    : options_(options),
-      connection_(connection),
-      machine_(options, user_),
-      program_(machine(), ResolveAppDir(options)) {
+    : options_(options), connection_(connection), machine_(options, user_), program_(MakeProgram()) {
   user_.onMessage = [this] { Fail(); };
+}
+
+Program Visit::MakeProgram() {
+  const auto folder = ResolveAppDir(options_);
+  const auto all = machine();
+  return {all, folder, ReadUnitNames(all.files, folder)};
 }
 
 Machine Visit::machine() {
@@ -47,9 +53,20 @@ bool Visit::FindSensor() {
   program_.com.ClearImage(static_cast<std::uint8_t>(id));
   if (!program_.link.ProbePort(kProbeSeconds)) return false;
   if (!connection_.modbus) return program_.com.ReadSensorMemory(0, kPartAddress, 1, false, false);
-  // As in the program itself: no sensor of this release speaks Modbus.
-  program_.session.Fail("Can't read from sensor");
-  return false;
+  return ReadPartModbus(ByNames(), program_.image, options_.port, true);
+}
+
+BRECOM::Context Visit::ByNames() {
+  const auto all = machine();
+  return {program_.session,         program_.link, all.files, all.modbusMaster, program_.unitNames.names,
+          program_.unitNames.modbus};
+}
+
+std::unique_ptr<BRECOM> Visit::Connect() {
+  auto sens = std::make_unique<BRECOM>(ByNames());
+  if (connection_.modbus) sens->SelectModbus(1);
+  sens->ConnectSensor(options_.port, connection_.id.value_or(kOnlyUnit));
+  return sens;
 }
 
 bool Visit::Pass() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "app/Program.h"
@@ -34,6 +35,8 @@ class Visit {
   /// Opens the panel of what is attached and calls `onPoll` after every poll until it returns false. Gives
   /// the exit status: any message ends the visit as failed.
   int OpenPanel(std::function<bool(const Panel&)> onPoll);
+  /// A connection by names to what was found. Throws ConnectionError.
+  std::unique_ptr<BRECOM> Connect();
   /// Probes the port and reads the part number, and no more. On failure the reason is in LastError.
   bool FindSensor();
   /// Sends a settings file. On failure the reason is in LastError.
@@ -45,6 +48,8 @@ class Visit {
 
  private:
   Machine machine();
+  BRECOM::Context ByNames();
+  Program MakeProgram();
   bool Pass();
   void FillDialog();
   void Start();

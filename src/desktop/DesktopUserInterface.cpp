@@ -52,7 +52,7 @@ UserInterface::Reply ReplyOf(int result, UserInterface::Buttons buttons) {
 
 /// "(*.Set)|*.Set" in Qt's form, for file systems that tell cases apart too.
 QString NameFilter(const QString& filter) {
-  const auto pattern = filter.section('|', 1, 1);
+  const auto pattern = filter.section('|', 1, 1).trimmed();
   const auto lower = pattern.toLower();
   return QString("%1 (%2)").arg(pattern, pattern == lower ? pattern : pattern + " " + lower);
 }
@@ -73,10 +73,11 @@ UserInterface::Reply DesktopUserInterface::MessageBox(const std::string& text, B
   return ReplyOf(box.result(), buttons);
 }
 
-std::optional<std::string> DesktopUserInterface::InputBox(const std::string& prompt) {
+std::optional<std::string> DesktopUserInterface::InputBox(const std::string& prompt,
+                                                          const std::string& title) {
   QInputDialog box;
   box.setObjectName("InputBox");
-  box.setWindowTitle(QApplication::applicationName());
+  box.setWindowTitle(title.empty() ? QApplication::applicationName() : QString::fromStdString(title));
   box.setLabelText(QString::fromStdString(prompt));
   Ask(box);
   if (box.result() != QDialog::Accepted) return {};

@@ -2,13 +2,17 @@
 // brelant: the desktop program.
 #include <CLI/CLI.hpp>
 #include <QApplication>
+#include <QMessageBox>
+#include <iostream>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "app/Program.h"
 #include "desktop/Appearance.h"
 #include "desktop/Desktop.h"
 #include "desktop/DesktopUserInterface.h"
+#include "names/names_file.h"
 #include "qt/QtMachine.h"
 #include "qt/options.h"
 
@@ -43,11 +47,25 @@ void Preset(brelant::frmComSet& dialog, const std::string& port) {
   dialog.form.Select(dialog.optStartMode[brelant::frmComSet::singleSensor]);
 }
 
+/// Nothing, after the user was told, if the names file says what cannot be.
+std::optional<brelant::UnitNames> LoadNames(const brelant::Files& files, const std::string& folder) {
+  try {
+    return brelant::ReadUnitNames(files, folder);
+  } catch (const brelant::NamesError& error) {
+    std::cerr << error.what() << std::endl;
+    QMessageBox::critical(nullptr, QApplication::applicationName(), QString::fromStdString(error.what()));
+    return {};
+  }
+}
+
 int Run(QApplication& application, const DesktopOptions& options) {
   brelant::ApplyStyle(application, options.style);
   brelant::DesktopUserInterface userInterface;
   brelant::QtMachine machine(options, userInterface);
-  brelant::Program program(machine.machine(), brelant::ResolveAppDir(options));
+  const auto folder = brelant::ResolveAppDir(options);
+  const auto names = LoadNames(machine.machine().files, folder);
+  if (!names) return kBadOptions;
+  brelant::Program program(machine.machine(), folder, *names);
   brelant::Desktop desktop(program, machine.pump(), userInterface);
   machine.pump().OnPass([&desktop] { return desktop.Pass(); });
   Preset(program.comSet, options.port);

@@ -19,7 +19,7 @@ constexpr int kWholeRam = 8;
 }  // namespace
 
 Panel5::Panel5(const PanelContext& context, const std::string& name, const Captions& captions)
-    : PanelFrame(context, name, captions),
+    : ImagePanel(context, name, captions),
       txbSN(form.Add(ControlKind::text, "txbSN")),
       txbID(form.Add(ControlKind::text, "txbID")),
       lblDisplayMode(form.Add(ControlKind::label, "lblDisplayMode")),
@@ -91,7 +91,7 @@ bool Panel5::ActionSettingsSave() {
 }
 
 void Panel5::SimMode(bool on) {
-  PanelFrame::SimMode(on);
+  ImagePanel::SimMode(on);
   mTWAreset.SetEnabled(!on);
 }
 

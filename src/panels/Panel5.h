@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "panels/PanelFrame.h"
+#include "panels/ImagePanel.h"
 
 namespace brelant {
 
 /// What the two panels of platform 5 have in common: identity, display mode, units, the whole-memory read,
 /// settings files and the span calibration of channel 1.
-class Panel5 : public PanelFrame {
+class Panel5 : public ImagePanel {
  public:
   Panel5(const PanelContext& context, const std::string& name, const Captions& captions);
 

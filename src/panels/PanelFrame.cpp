@@ -2,6 +2,7 @@
 #include "panels/PanelFrame.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "shell/Common.h"
 
@@ -11,72 +12,63 @@ namespace {
 
 constexpr double kDay = 86400;
 
-constexpr std::size_t kPartAddress = 65;
-constexpr std::int32_t kWholeEeprom = 30;
+/// Holds a flag for the time of a scope.
+class While {
+ public:
+  explicit While(bool& flag) : flag_(flag) { flag_ = true; }
+  ~While() { flag_ = false; }
+  While(const While&) = delete;
+  While& operator=(const While&) = delete;
 
-constexpr const char* kTitle = "KVX3.0";
-constexpr const char* kSimulatedTitle = "KVX3.0 Simulated mode";
-
-ControlArray AddEntries(Form& form, const std::vector<std::pair<std::string, std::string>>& entries) {
-  std::vector<Control*> added;
-  for (const auto& [name, caption] : entries) added.push_back(&form.AddMenu("mCalibrate", name, caption));
-  return ControlArray(added);
-}
+ private:
+  bool& flag_;
+};
 
 }  // namespace
 
-PanelFrame::PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions)
-    : Panel(context.screen, name, captions.optionsMenu),
+PanelFrame::PanelFrame(const PanelContext& context, const std::string& name, const Frame& frame)
+    : Panel(context.screen, name, frame.menus),
       context_(context),
-      CalTemp(form.AddMenu("mCalibrate", captions.names.temperature, captions.temperatureEntry)),
-      mCalCO2(form.AddMenu("mCalibrate", "mCalCO2", captions.singlePointEntry)),
-      mCalCO2Zero(form.AddMenu("mCalCO2", captions.names.zero, "Zero")),
-      mCalCO2Background(form.AddMenu("mCalCO2", captions.names.background, "Fresh air")),
-      mCalCO2Other(form.AddMenu("mCalCO2", captions.names.other, "Other")),
-      mCalCO2span(form.AddMenu("mCalibrate", "mCalCO2span", "CO2 span")),
-      furtherCalibrations_(AddEntries(form, captions.furtherCalibrations)),
-      mCalCurve(form.AddMenu("mCalibrate", "mCalCurve", "Calibration curve")),
-      calibratingTemperature_(captions.calibratingTemperature) {
-  const auto command = [this](Command code) { return [this, code] { Request(code); }; };
-  btnReadFromSensor.onClick = mReadfromsensor.onClick = command(readSensor);
-  btnSendToSensor.onClick = mSendtosensor.onClick = command(writeSensor);
-  mLoadsettings.onClick = command(loadSettings);
-  mSavesettings.onClick = command(saveSettings);
-  mTWAreset.onClick = command(resetTWA);
-  mExit.onClick = command(exitPanel);
-  mCalCO2Zero.onClick = command(calibrateCO2Zero);
-  mCalCO2Background.onClick = command(calibrateCO2Background);
-  mCalCO2Other.onClick = command(calibrateCO2Other);
-  CalTemp.onClick = Question(calibrateTempZero);
-  mCalCO2span.onClick = Question(calibrateCO2Span);
-  mCalCurve.SetEnabled(false);
-  mCalCurve.onClick = [this] { context_.curve.form.Show(); };
+      title_(frame.title),
+      simulatedTitle_(frame.simulatedTitle) {
+  btnReadFromSensor.onClick = mReadfromsensor.onClick = Requesting(readSensor);
+  btnSendToSensor.onClick = mSendtosensor.onClick = Requesting(writeSensor);
+  mLoadsettings.onClick = Requesting(loadSettings);
+  mSavesettings.onClick = Requesting(saveSettings);
+  mExit.onClick = Requesting(exitPanel);
   mComSet.onClick = [this] { ToggleComSet(); };
-  mHelp.onClick = [this] { OpenHelp(); };
+  mHelp.onClick = [this] { context_.machine.userInterface.ShellOpen(context_.session.AppDir + HelpPage()); };
   form.onClose = [this] { context_.EndSession(); };
-  cbxSimulated.SetText(captions.simulated);
+  cbxSimulated.SetText(frame.simulated);
   cbxSimulated.onClick = [this] { SimMode(Simulated()); };
 }
 
 void PanelFrame::PanelLoop() {
   ShowProgress("", true);
   if (running_) return;
-  running_ = true;
+  const While running(running_);
+  // Of what ran before there was a loop.
+  context_.session.CancelPressed = false;
   double lastPoll = 0;
   while (!context_.session.Over()) {
     LetEventsRun(lastPoll);
-    if (context_.session.Over()) break;
-    if (context_.session.PanelCommand != 0) RunCommand();
-    if (context_.session.Over()) break;
-    if (Simulated()) {
-      SimulatedPass();
-      simulated_ = form.Revision();
-    } else {
-      simulated_.reset();
-      PollWhenDue(lastPoll);
-    }
+    TakeTurn(lastPoll);
   }
-  running_ = false;
+}
+
+void PanelFrame::TakeTurn(double& lastPoll) {
+  const auto& session = context_.session;
+  if (!session.Over() && session.PanelCommand != 0) RunCommand();
+  if (session.Over()) return;
+  if (Simulated()) {
+    SimulatedPass();
+    simulated_ = form.Revision();
+  } else {
+    simulated_.reset();
+    PollWhenDue(lastPoll);
+  }
+  RunPending();
+  TurnEnds();
 }
 
 /// Sleeps no longer than until the loop has something of its own to do.
@@ -92,24 +84,47 @@ void PanelFrame::LetEventsRun(double lastPoll) {
   if (!Simulated()) {
     const double now = clock.Timer();
     // Midnight moves the poll, so the loop must not sleep past it.
-    const double left = std::min(std::clamp(lastPoll + kPollPeriod - now, 0.0, kPollPeriod), kDay - now);
-    until = clock.Now() + std::chrono::milliseconds(static_cast<int>(left * 1000) + 1);
+    const double left = std::min(std::clamp(lastPoll + PollPeriod() - now, 0.0, PollPeriod()), kDay - now);
+    until = clock.Now() + std::chrono::milliseconds(static_cast<std::int64_t>(left * 1000) + 1);
   } else if (const auto period = SimulatedPeriod()) {
     until = clock.Now() + *period;
   }
   pump.Wait(until);
 }
 
+void PanelFrame::WhenFree(const std::function<void()>& work) {
+  if (busy_) {
+    pending_.push_back(work);
+    return;
+  }
+  {
+    const While busy(busy_);
+    work();
+  }
+  RunPending();
+}
+
+void PanelFrame::RunPending() {
+  for (const auto& work : std::exchange(pending_, {})) {
+    if (context_.session.Over()) return;
+    WhenFree(work);
+  }
+}
+
 void PanelFrame::RunCommand() {
   auto& session = context_.session;
   session.LastError.clear();
-  RunAction(session.PanelCommand);
+  {
+    const While busy(busy_);
+    RunAction(session.PanelCommand);
+  }
   if (session.Over()) return;
   session.PanelCommand = 0;
-  if (!session.LastError.empty() && session.LastError != kCancelled) {
-    context_.machine.userInterface.Tell(session.LastError);
-  }
+  const bool silent =
+      session.LastError.empty() || session.LastError == kCancelled || session.LastError == kCancelSelected;
+  if (!silent) context_.machine.userInterface.Tell(session.LastError);
   session.LastError.clear();
+  session.CancelPressed = false;
   ShowProgress("", true);
 }
 
@@ -119,162 +134,55 @@ bool PanelFrame::RunAction(int command) {
       return ActionSensorRead();
     case writeSensor:
       return ActionSensorWrite();
-    case resetTWA:
-      return ActionTWAReset();
-    case exitPanel:
-      context_.session.LastError = kCancelled;
-      context_.EndSession();
-      return true;
     case loadSettings:
       return ActionSettingsLoad();
     case saveSettings:
       return ActionSettingsSave();
-    case calibrateTempZero:
-      return ActionCalTempZero();
-    case calibrateCO2Zero:
-      return ActionCalCO2Zero(snsCal::zeroGas);
-    case calibrateCO2Background:
-      return ActionCalCO2Zero(snsCal::freshAir);
-    case calibrateCO2Other:
-      return ActionCalCO2Zero(snsCal::otherGas);
-    case calibrateCO2Span:
-      return ActionCalCO2span();
+    case exitPanel:
+      context_.session.LastError = kCancelled;
+      context_.EndSession();
+      return true;
     default:
       return true;
   }
-}
-
-bool PanelFrame::ReadAfresh(const std::function<bool()>& read) {
-  imageBefore_ = context_.image;
-  context_.com.ClearImage(static_cast<std::uint8_t>(kBroadcastId));
-  const bool done = read();
-  if (!done) GiveImageBack();
-  imageBefore_.reset();
-  return done;
-}
-
-void PanelFrame::GiveImageBack() {
-  if (imageBefore_) context_.image = *imageBefore_;
-}
-
-bool PanelFrame::ReadWhole(std::int32_t selector, bool isEeprom) {
-  return context_.com.ReadSensorMemory(selector, 0, 0, isEeprom, false);
-}
-
-void PanelFrame::TellNoSensor() {
-  context_.machine.userInterface.Tell("No sensor detected, entering simulated mode.");
-}
-
-std::optional<std::string> PanelFrame::AskForFile(UserInterface::FileUse use, const std::string& text) {
-  auto name = context_.machine.userInterface.FileDialog(use, "(*.Set)|*.Set");
-  if (!name || name->empty()) return {};
-  ShowProgress(text, false);
-  return name;
-}
-
-bool PanelFrame::LoadEeprom() {
-  const auto name = AskForFile(UserInterface::FileUse::open, "Loading settings");
-  if (!name) return true;
-  if (!FormRead()) return false;
-  // A file brings the part number of the sensor that it was saved from.
-  auto& part = context_.image.RamImage.at(kPartAddress);
-  const float attached = part;
-  const bool loaded = context_.file.LoadSettings(*name, 0);
-  part = attached;
-  return loaded && FormUpdateInit() && FormUpdate();
-}
-
-bool PanelFrame::ReadEeprom() {
-  return ReadWhole(kWholeEeprom, true);
-}
-
-bool PanelFrame::SendEeprom() {
-  if (!FormRead()) return false;
-  ShowProgress("Sending to sensor", false);
-  return context_.com.WriteSensorMemory(kWholeEeprom, 0, 0, true, true, false, true, true, false);
-}
-
-bool PanelFrame::SaveSelected(const std::string& name, std::int32_t selection,
-                              std::span<const snsFil::BlockWrite> blocks) {
-  context_.com.SelectBlock(selection);
-  return Saved(context_.file.SaveBlocks(name, 1, blocks));
-}
-
-bool PanelFrame::Saved(bool done) {
-  if (!done) context_.session.Fail("Can't save settings.");
-  return done;
-}
-
-std::optional<std::string> PanelFrame::Ask(const std::string& prompt) {
-  auto answer = context_.machine.userInterface.InputBox(prompt);
-  return answer && !answer->empty() ? answer : std::nullopt;
-}
-
-bool PanelFrame::ActionCalTempZero() {
-  const auto text = Ask("Please enter correct temperature");
-  if (!text) return true;
-  ShowProgress(calibratingTemperature_, false);
-  return Calibrated(context_.cal.CalibrateTemperature(ParseNumber(*text), snsCal::kPlatformChannel, false));
-}
-
-bool PanelFrame::ActionCalCO2Zero(int kind) {
-  std::optional<std::string> text;
-  if (kind == snsCal::otherGas) {
-    text = Ask("Please enter CO2 concentration");
-    if (!text) return true;
-  }
-  ShowProgress("Calibrating CO2 zero point", false);
-  return Calibrated(context_.cal.CalibrateCO2Zero(snsCal::kPlatformChannel, false, kind, text.value_or("")));
-}
-
-bool PanelFrame::ActionCalCO2span() {
-  context_.spanNote.ShowModal(context_.machine.pump);
-  if (!context_.session.LastError.empty() || context_.session.Over()) return true;
-  const auto text = Ask("Please enter span gas concentration");
-  if (!text) return true;
-  ShowProgress("Calibrating CO2 span", false);
-  return Calibrated(CalibrateSpan(*text));
-}
-
-bool PanelFrame::CalibrateSpanOf(float channel, const std::string& text) {
-  const float raw = context_.info.TextToRaw(text, channel, false);
-  return context_.cal.CalibrateCO2Span(channel, NumberText(raw), false);
-}
-
-bool PanelFrame::Calibrated(bool done) {
-  const auto& change = context_.cal.LastChange();
-  if (!done || !change) return done;
-  context_.curve.Take(*change);
-  mCalCurve.SetEnabled(true);
-  return true;
 }
 
 void PanelFrame::PollWhenDue(double& lastPoll) {
   auto& session = context_.session;
   const double now = context_.machine.clock.Timer();
   if (now < lastPoll) lastPoll = LastPollAfterMidnight(now);
-  if (lastPoll + kPollPeriod >= now) return;
+  if (lastPoll + PollPeriod() >= now) return;
   lastPoll = now;
   const bool polled = session.LastError.empty();
-  const bool failed = polled && !ActionSensorReadM();
+  bool failed = false;
+  if (polled) {
+    const While busy(busy_);
+    failed = !Poll();
+  }
   if (session.Over()) return;
   if (polled) ++session.polls;
-  if (failed && session.LastError != kCancelled) {
-    TellNoSensor();
-    SimMode(true);
-  }
+  if (failed && session.LastError != kCancelled) LosesSensor();
   session.LastError.clear();
+}
+
+void PanelFrame::LosesSensor() {
+  TellNoSensor();
+  SimMode(true);
+}
+
+void PanelFrame::TellNoSensor() {
+  context_.machine.userInterface.Tell("No sensor detected, entering simulated mode.");
 }
 
 void PanelFrame::SimMode(bool on) {
   cbxSimulated.SetValue(on ? 1 : 0);
   if (!on) context_.session.LastError = kCancelled;
   for (auto* field : LiveFields()) field->SetFore(on ? colours::kSimulated : colours::kLive);
-  for (auto* control :
-       {&mReadfromsensor, &mSendtosensor, &mCalibrate, &btnReadFromSensor, &btnSendToSensor}) {
-    control->SetEnabled(!on);
-  }
-  form.SetCaption(on ? kSimulatedTitle : kTitle);
+  auto commands = SensorCommands();
+  commands.insert(commands.end(),
+                  {&mReadfromsensor, &mSendtosensor, &mCalibrate, &btnReadFromSensor, &btnSendToSensor});
+  for (auto* control : commands) control->SetEnabled(!on);
+  form.SetCaption(on ? simulatedTitle_ : title_);
 }
 
 void PanelFrame::ShowProgress(const std::string& text, bool hideBar) {
@@ -286,8 +194,17 @@ void PanelFrame::Request(Command command) {
   context_.session.PanelCommand = command;
 }
 
+Control::Handler PanelFrame::Requesting(Command command) {
+  return [this, command] { Request(command); };
+}
+
 Control::Handler PanelFrame::Question(Command command) {
   return [this, command] { context_.session.PanelCommand = command; };
+}
+
+std::optional<std::string> PanelFrame::Ask(const std::string& prompt, const std::string& title) {
+  auto answer = context_.machine.userInterface.InputBox(prompt, title);
+  return answer && !answer->empty() ? answer : std::nullopt;
 }
 
 void PanelFrame::MakeEditable(Control& field, std::function<void()> check, std::function<void()> store) {
@@ -314,22 +231,12 @@ void PanelFrame::MakeEditable(Control& field, std::function<void()> check, std::
   };
 }
 
-void PanelFrame::MakeEditable(Control& field, std::function<void()> check) {
-  MakeEditable(field, std::move(check), [this] { Restore(); });
-}
-
 void PanelFrame::MakeIdEditable(Control& field) {
   const auto limit = [&field] {
     constexpr float kHighestId = 29;
     field.SetText(NumberText(std::min(ParseNumber(field.Text()), kHighestId)));
   };
   MakeEditable(field, limit, nullptr);
-}
-
-void PanelFrame::Restore() {
-  if (!ImageIsWhole()) return;
-  FormRead();
-  FormUpdate();
 }
 
 void PanelFrame::PopUp(Control& label, const ControlArray& menu) {
@@ -340,20 +247,6 @@ void PanelFrame::PopUp(Control& label, const ControlArray& menu) {
   }
   const auto choice = context_.machine.userInterface.PopupMenu(captions);
   if (choice) PopupTarget->SetText(captions.at(*choice));
-}
-
-void PanelFrame::ChooseAndStore(Control& label, const ControlArray& menu) {
-  if (!ImageIsWhole()) return;
-  PopUp(label, menu);
-  Restore();
-}
-
-void PanelFrame::Choose(Control& label, const ControlArray& menu, const std::function<void()>& store) {
-  if (!ImageIsWhole()) return;
-  FormRead();
-  PopUp(label, menu);
-  store();
-  FormUpdate();
 }
 
 std::optional<int> PanelFrame::FindCaption(const ControlArray& menu, int count, const std::string& caption) {
@@ -376,10 +269,9 @@ void PanelFrame::ToggleComSet() {
   context_.machine.settingsStore.Write("KVX", "Start", "Dont", std::to_string(dontShow.Value()));
 }
 
-void PanelFrame::OpenHelp() {
-  const auto name = "help" + std::to_string(context_.info.GetPlatform()) + "v" +
-                    NumberText(context_.info.GetProductVariant()) + ".html";
-  context_.machine.userInterface.ShellOpen(context_.session.AppDir + name);
+std::string PanelFrame::HelpPage() const {
+  return "help" + std::to_string(context_.info.GetPlatform()) + "v" +
+         NumberText(context_.info.GetProductVariant()) + ".html";
 }
 
 }  // namespace brelant

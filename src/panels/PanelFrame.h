@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
-#include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "calibration/frmCalCurve.h"
 #include "calibration/snsCal.h"
 #include "comm/SensorImage.h"
 #include "comm/snscom.h"
+#include "connection/BRECOM.h"
 #include "knowledge/SnsInfo.h"
 #include "knowledge/definitions.h"
 #include "knowledge/snsFil.h"
@@ -51,6 +52,8 @@ struct PanelContext {
   frmComSet& comSet;
   frmSpanCalNote& spanNote;
   frmCalCurve& curve;
+  /// What connections to units that are reached by name are made with.
+  BRECOM::Context connection;
   /// Ends the session of the panel (docs/architecture.md, One thread, one pump).
   std::function<void()> EndSession;
 };
@@ -74,55 +77,40 @@ class PanelFrame : public Panel {
     resetTWA = 13,
     exitPanel = 14,
     vavMax = 15,
-    vavMin = 16
+    vavMin = 16,
+    calibrateWeightEmpty = 17,
+    calibrateWeightFull = 18,
+    calibrateTemp2Zero = 23,
+    exportLogger1 = 24,
+    exportLogger2 = 25
   };
 
   static constexpr int kEnterKey = 13;
-  /// Seconds from one poll to the next.
+  /// Seconds from one poll to the next, where the user does not choose them.
   static constexpr double kPollPeriod = 2.0;
 
-  /// Names of the entries that calibrate temperature and CO2.
-  struct CalibrationNames {
-    std::string temperature = "CalTemp";
-    std::string zero = "mCalCO2Zero";
-    std::string background = "mCalCO2Background";
-    std::string other = "mCalCO2Other";
-  };
   /// What is not the same on all panels.
-  struct Captions {
+  struct Frame {
+    /// Of cbxSimulated.
     std::string simulated;
-    std::string calibratingTemperature;
-    std::string temperatureEntry;
-    std::string singlePointEntry;
-    std::string optionsMenu = "mOptions";
-    CalibrationNames names = {};
-    /// Calibrations that not all panels have: name and caption of each entry.
-    std::vector<std::pair<std::string, std::string>> furtherCalibrations = {};
+    /// Of the window.
+    std::string title;
+    std::string simulatedTitle;
+    MenuNames menus = {};
   };
 
-  PanelFrame(const PanelContext& context, const std::string& name, const Captions& captions);
+  PanelFrame(const PanelContext& context, const std::string& name, const Frame& frame);
 
   void PanelLoop() override;
   void SimMode(bool on) override;
-  void GiveImageBack() override;
   std::vector<Alarm> Alarms() const override { return {}; }
 
-  /// Shows the live values from the images.
-  virtual bool FormUpdateM() = 0;
-  /// The poll.
-  virtual bool ActionSensorReadM() = 0;
   /// Reads all settings.
   virtual bool ActionSensorRead() = 0;
   /// Sends all settings.
   virtual bool ActionSensorWrite() = 0;
-  virtual bool ActionTWAReset() = 0;
   virtual bool ActionSettingsLoad() = 0;
   virtual bool ActionSettingsSave() = 0;
-  /// Ask for what the procedure needs and run it; an answer that is cancelled or empty ends them with true.
-  bool ActionCalTempZero();
-  /// `kind` of snsCal::ZeroKind.
-  bool ActionCalCO2Zero(int kind);
-  bool ActionCalCO2span();
   /// One pass of the offline model.
   virtual void Simulate() = 0;
 
@@ -132,92 +120,68 @@ class PanelFrame : public Panel {
   static std::string CaptionAt(const ControlArray& menu, int index);
 
  protected:
+  /// Reads and shows the live values. False: there is no sensor any more, unless LastError says otherwise.
+  virtual bool Poll() = 0;
+  /// What follows a poll that has failed.
+  virtual void LosesSensor();
   /// The live value fields.
   virtual const ControlArray& LiveFields() const = 0;
+  /// Commands that need a sensor, beside those that all panels have.
+  virtual std::vector<Control*> SensorCommands() const { return {}; }
   /// The simulated pass of the loop.
   virtual void SimulatedPass() { Simulate(); }
   /// How long the simulated pass may wait for the next event; nothing: until there is one.
   virtual std::optional<std::chrono::milliseconds> SimulatedPeriod() const { return {}; }
   /// Runs the command of a code; the frame's table of commands that this panel has.
   virtual bool RunAction(int command);
+  /// Seconds from one poll to the next.
+  virtual double PollPeriod() const { return kPollPeriod; }
   /// Last poll time when midnight has passed.
   virtual double LastPollAfterMidnight(double now) const { return now; }
+  /// The end of each turn of the loop.
+  virtual void TurnEnds() {}
+  /// The help page, without the folder.
+  virtual std::string HelpPage() const;
 
   bool Simulated() const { return cbxSimulated.Value() == 1; }
   void ShowProgress(const std::string& text, bool hideBar);
   /// Makes a command pending, behind the box that guards the panel until the loop takes it.
   void Request(Command command);
+  Control::Handler Requesting(Command command);
   /// Makes a command pending that asks before it does anything: no box may stand in front of its question.
   Control::Handler Question(Command command);
+  /// For handlers whose work needs the line at once: runs it, or, while a command, a poll or another such
+  /// work is under way, after that.
+  void WhenFree(const std::function<void()>& work);
   /// An answer of the user; nothing if it was cancelled or left empty.
-  std::optional<std::string> Ask(const std::string& prompt);
-  /// Keeps what a procedure did for the view.
-  bool Calibrated(bool done);
-  /// Runs the span calibration with the text that the user typed.
-  virtual bool CalibrateSpan(const std::string& text) = 0;
-  /// The span calibration of platforms 5, 6 and 61.
-  bool CalibrateSpanOf(float channel, const std::string& text);
-  /// Empties the image and reads the sensor. An image that was not read whole comes back as it was: nothing
-  /// of it may be sent, saved or calibrated as zeros.
-  bool ReadAfresh(const std::function<bool()>& read);
-  /// False while such a read is under way: the image is another sensor's by halves, and no field is taken.
-  bool ImageIsWhole() const { return !imageBefore_; }
-  /// Reads a block of the sensor's memory (docs/protocol.md).
-  bool ReadWhole(std::int32_t selector, bool isEeprom);
+  std::optional<std::string> Ask(const std::string& prompt, const std::string& title = {});
   void TellNoSensor();
-  /// The name of a settings file, asked for; nothing if there is none. `text` is then shown as progress.
-  std::optional<std::string> AskForFile(UserInterface::FileUse use, const std::string& text);
-  /// Loads a settings file of a sensor whose settings lie in EEPROM.
-  bool LoadEeprom();
-  /// Reads all of such a sensor's settings into the image.
-  bool ReadEeprom();
-  /// Takes the form and sends them.
-  bool SendEeprom();
-  /// Saves blocks of such a sensor; a selection block among them marks what `selection` selects.
-  bool SaveSelected(const std::string& name, std::int32_t selection,
-                    std::span<const snsFil::BlockWrite> blocks);
-  /// Tells of a save that failed without a text of its own.
-  bool Saved(bool done);
 
   /// Gives a field the edit rules. `check` runs first when the field is left, `store` after it.
   void MakeEditable(Control& field, std::function<void()> check, std::function<void()> store);
-  /// The usual store: the whole form into the image and back.
-  void Restore();
-  void MakeEditable(Control& field, std::function<void()> check = {});
-
   /// The bus ID: up to 29, and stored when the form is next taken.
   void MakeIdEditable(Control& field);
 
   /// Pops up the visible entries of a menu; the choice, if there is one, becomes the text of the label.
   void PopUp(Control& label, const ControlArray& menu);
-  /// The same, and the form is taken and filled again.
-  void ChooseAndStore(Control& label, const ControlArray& menu);
-  /// The same for a choice that the form does not hold: the form is taken before, `store` takes the choice.
-  void Choose(Control& label, const ControlArray& menu, const std::function<void()>& store);
 
   PanelContext context_;
-  Control& CalTemp;
-  Control& mCalCO2;
-  Control& mCalCO2Zero;
-  Control& mCalCO2Background;
-  Control& mCalCO2Other;
-  Control& mCalCO2span;
-  ControlArray furtherCalibrations_;
-  /// The view of what the last calibration did.
-  Control& mCalCurve;
   Control* PopupTarget = nullptr;
 
  private:
   void LetEventsRun(double lastPoll);
+  void RunPending();
   void RunCommand();
+  void TakeTurn(double& lastPoll);
   void PollWhenDue(double& lastPoll);
   void ToggleComSet();
-  void OpenHelp();
 
-  /// The image behind a read of all settings that is under way.
-  std::optional<SensorImage> imageBefore_;
-  std::string calibratingTemperature_;
+  std::string title_;
+  std::string simulatedTitle_;
   bool running_ = false;
+  /// A command, a poll or a handler's work has the line.
+  bool busy_ = false;
+  std::vector<std::function<void()>> pending_;
   /// Revision of the form behind the last simulated pass.
   std::optional<std::uint64_t> simulated_;
 };

@@ -41,7 +41,7 @@ constexpr std::int32_t kSelectionOfThreeOutputs = 15;
 }  // namespace
 
 frm6::frm6(const PanelContext& context)
-    : PanelFrame(context, "frm6", {"Off line", "Calibrating temperature ", "Temp", "CO2 single point"}),
+    : ImagePanel(context, "frm6", {"Off line", "Calibrating temperature ", "Temp", "CO2 single point"}),
       txbSN(form.Add(ControlKind::text, "txbSN")),
       txbID(form.Add(ControlKind::text, "txbID")),
       lblDisp(form.AddArray(ControlKind::label, "lblDisp", kDisplays)),
@@ -442,7 +442,7 @@ FunctionClass frm6::ClassOf(int function) const {
 
 bool frm6::RunAction(int command) {
   if (command == vavMax || command == vavMin) return ActionVAV(command == vavMax);
-  return PanelFrame::RunAction(command);
+  return ImagePanel::RunAction(command);
 }
 
 bool frm6::ActionSensorRead() {
@@ -501,7 +501,7 @@ bool frm6::CalibrateSpan(const std::string& text) {
 // The offline model
 
 void frm6::SimMode(bool on) {
-  PanelFrame::SimMode(on);
+  ImagePanel::SimMode(on);
   ShowSimulation();
   if (!on) trigger.HideBar();
 }

@@ -10,8 +10,8 @@
 
 #include "panels/DigitalTrigger.h"
 #include "panels/FunctionRows.h"
+#include "panels/ImagePanel.h"
 #include "panels/OutputStage.h"
-#include "panels/PanelFrame.h"
 #include "panels/platform6/JumperFace.h"
 #include "panels/platform6/OutputRows.h"
 #include "panels/platform6/SequentialFace.h"
@@ -21,7 +21,7 @@ namespace brelant {
 
 /// The panel of platform 6 transmitters, with a face for each kind of product variant. All settings live in
 /// EepromImage (docs/memory-maps.md, Platform 6).
-class frm6 : public PanelFrame, public OutputStage {
+class frm6 : public ImagePanel, public OutputStage {
  public:
   static constexpr int kLiveValues = 7;
   static constexpr int kFunctions = 6;

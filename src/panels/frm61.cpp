@@ -46,8 +46,8 @@ int WordOf(int index) {
   return kLiveWord + 2 * index;
 }
 
-PanelFrame::Captions CaptionsOfPanel() {
-  PanelFrame::Captions captions{"Off line", "Calibrating temperature ", "TEMP", "CO2 single point"};
+ImagePanel::Captions CaptionsOfPanel() {
+  ImagePanel::Captions captions{"Off line", "Calibrating temperature ", "TEMP", "CO2 single point"};
   captions.names = {"mCalTemp", "mCalCO2SPzero", "mCalCO2SPBackground", "mCalCO2SPOther"};
   captions.furtherCalibrations = {{"mCalO2zero", "O2 zero"}, {"mCalO2span", "O2 span"}};
   return captions;
@@ -56,7 +56,7 @@ PanelFrame::Captions CaptionsOfPanel() {
 }  // namespace
 
 frm61::frm61(const PanelContext& context)
-    : PanelFrame(context, "frm61", CaptionsOfPanel()),
+    : ImagePanel(context, "frm61", CaptionsOfPanel()),
       txbSN(form.Add(ControlKind::text, "txbSN")),
       txbID(form.Add(ControlKind::text, "txbID")),
       lblDisp(form.AddArray(ControlKind::label, "lblDisp", kDisplays)),
@@ -337,7 +337,7 @@ bool frm61::RunAction(int command) {
     case calibrateO2Span:
       return ActionCalO2Span();
     default:
-      return PanelFrame::RunAction(command);
+      return ImagePanel::RunAction(command);
   }
 }
 

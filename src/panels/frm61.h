@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "panels/PanelFrame.h"
+#include "panels/ImagePanel.h"
 #include "panels/platform61/AlarmRows.h"
 #include "panels/platform61/FixedAlarms.h"
 
@@ -12,7 +12,7 @@ namespace brelant {
 
 /// The panel of platform 61 and platform 7 sensors: live values, alarms and their levels. The two keep their
 /// settings in different places of EepromImage (docs/memory-maps.md, Platform 61 and Platform 7).
-class frm61 : public PanelFrame {
+class frm61 : public ImagePanel {
  public:
   /// Fields for live values, of which three are used.
   static constexpr int kLiveValues = 4;

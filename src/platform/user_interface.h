@@ -21,7 +21,8 @@ class UserInterface {
   void Tell(const std::string& text) { MessageBox(text, Buttons::ok, "", Icon::none); }
   virtual Reply MessageBox(const std::string& text, Buttons buttons, const std::string& title, Icon icon) = 0;
   /// Nothing if cancelled.
-  virtual std::optional<std::string> InputBox(const std::string& prompt) = 0;
+  virtual std::optional<std::string> InputBox(const std::string& prompt, const std::string& title) = 0;
+  std::optional<std::string> InputBox(const std::string& prompt) { return InputBox(prompt, ""); }
   /// `filter` is of the form "(*.Set)|*.Set". Nothing if cancelled.
   virtual std::optional<std::string> FileDialog(FileUse use, const std::string& filter) = 0;
   /// Index of the chosen caption, nothing if the menu was left.

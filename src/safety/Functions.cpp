@@ -32,11 +32,6 @@ double ExtraDivisorOf(std::int32_t caseWord) {
   return kDivisors.at(Field(caseWord, 5, 3));
 }
 
-double RoundTo(double value, int decimals) {
-  const double scale = std::pow(10, decimals);
-  return Round(value * scale) / scale;
-}
-
 }  // namespace
 
 std::string UnitLetter(std::int32_t caseWord) {
@@ -45,12 +40,11 @@ std::string UnitLetter(std::int32_t caseWord) {
 }
 
 double RawToDisplay(std::int32_t raw, std::int32_t caseWord) {
-  const auto decimals = DecimalsOf(caseWord);
   // A word that was read as a signed one is negative already.
   const auto word = static_cast<std::uint16_t>(raw);
-  double value = SignedWord(word) / ExtraDivisorOf(caseWord) / decimals.divisor;
+  double value = SignedWord(word) / ExtraDivisorOf(caseWord) / DecimalsOf(caseWord).divisor;
   if (UnitLetter(caseWord) == "F") value = CelsiusToFahrenheit(value);
-  return RoundTo(value, decimals.count);
+  return RoundToDecimals(value, caseWord);
 }
 
 std::int32_t DisplayToRaw(double value, std::int32_t caseWord) {
@@ -58,6 +52,11 @@ std::int32_t DisplayToRaw(double value, std::int32_t caseWord) {
   const double raw = Round(value * ExtraDivisorOf(caseWord) * DecimalsOf(caseWord).divisor);
   using Limits = std::numeric_limits<std::int32_t>;
   return static_cast<std::int32_t>(std::clamp<double>(raw, Limits::min(), Limits::max()));
+}
+
+double RoundToDecimals(double value, std::int32_t caseWord) {
+  const double scale = std::pow(10, DecimalsOf(caseWord).count);
+  return Round(value * scale) / scale;
 }
 
 double CelsiusToFahrenheit(double celsius) {

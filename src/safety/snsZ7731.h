@@ -101,6 +101,11 @@ class snsZ7731 {
   /// The name of that channel, empty for one without a name. Throws std::out_of_range for channels from 16.
   std::string GetDisplayMode(int position) const;
 
+  /// The channels of all positions.
+  using DisplaySequence = std::array<int, kPositions>;
+  const DisplaySequence& Sequence() const { return sequence_; }
+  void SetSequence(const DisplaySequence& sequence) { sequence_ = sequence; }
+
   /// Takes the status nibbles of a word of kind 10 or 15, and the alarms of one of kind 1 or 2; any other
   /// kind changes nothing.
   void AddStatus(std::int32_t word, int kind);
@@ -116,6 +121,7 @@ class snsZ7731 {
     /// Takes the first free entry; false if there is none.
     bool Add(int regulator);
     void Remove(int regulator);
+    bool operator==(const RelayList&) const = default;
 
    private:
     std::array<int, kRelayEntries> entries_{};
@@ -151,7 +157,7 @@ class snsZ7731 {
   static constexpr std::string_view LogTimerNode = "eaCountPar_14";
 
  private:
-  std::array<int, kPositions> sequence_{};
+  DisplaySequence sequence_{};
 };
 
 }  // namespace brelant

@@ -23,8 +23,14 @@ class Panel {
     std::string state;
   };
 
-  /// `optionsName` is the name of the menu "KVX options", which is not the same on all panels.
-  explicit Panel(Screen& screen, const std::string& name, const std::string& optionsName = "mOptions");
+  /// Names of menu entries that are not the same on all panels.
+  struct MenuNames {
+    std::string options = "mOptions";
+    std::string loadSettings = "mLoadsettings";
+    std::string saveSettings = "mSavesettings";
+  };
+
+  Panel(Screen& screen, const std::string& name, const MenuNames& menus);
   virtual ~Panel() = default;
   Panel(const Panel&) = delete;
   Panel& operator=(const Panel&) = delete;
@@ -36,8 +42,8 @@ class Panel {
   /// Takes every settings field into the images.
   virtual bool FormRead() = 0;
   virtual void SimMode(bool on) = 0;
-  /// Undoes a read of all settings that is under way: what was read so far is not to be saved.
-  virtual void GiveImageBack() {}
+  /// The session ends: undoes what is under way and must not be saved, and lets go of the line.
+  virtual void LeaveSession() {}
   /// Runs the panel until its session is over. A second call while it runs only hides the progress box.
   virtual void PanelLoop() = 0;
 
@@ -58,7 +64,6 @@ class Panel {
   Control& mReadfromsensor;
   Control& mSendtosensor;
   Control& mCalibrate;
-  Control& mTWAreset;
   Control& mHelp;
 };
 

@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "app/program_bench.h"
+#include "app/settings_file.h"
 
 namespace brelant {
 namespace {
@@ -73,8 +74,7 @@ TEST(RefusedStartTest, APartNumberWithoutAPlatform) {
 }
 
 TEST(RefusedStartTest, APlatformWithoutAPanel) {
-  // Platforms 8 and 9.
-  for (const int part : {40, 47, 168, 175, 154}) {
+  for (const int part : {40, 47, 168, 175}) {
     PartBench bench(static_cast<std::uint8_t>(part));
     bench.StartSingle();
     ExpectRefused(bench, {kUnknownSensor});
@@ -196,8 +196,9 @@ TEST(RefusedStartTest, ASecondAttemptBeginsWithAnEmptyImage) {
   ram[226] = 4;
   bench.Hold(ram);
   bench.StartSingle();
-  bench.files.Put("C:\\KVX\\Vega 3.sim", {1});
-  bench.StartSimulated("Vega 3");
+  constexpr std::uint8_t kPartOfPlatform8 = 40;
+  bench.files.Put("C:\\KVX\\Room.sim", test::SettingsFileEeprom(kPartOfPlatform8));
+  bench.StartSimulated("Room");
   std::vector<bool> known;
   bench.ui.onMessage = [&] { known.push_back(bench.program->image.RamValid[66]); };
   bench.Run();

@@ -10,7 +10,7 @@ namespace brelant::test {
 /// A panel of nothing but what it shows.
 class FakePanel : public Panel {
  public:
-  explicit FakePanel(Screen& screen) : Panel(screen, "frmFake") {}
+  explicit FakePanel(Screen& screen) : Panel(screen, "frmFake", {}) {}
 
   bool FormUpdateInit() override { return true; }
   bool FormUpdate() override { return true; }

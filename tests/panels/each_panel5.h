@@ -12,7 +12,7 @@ namespace brelant::test {
 /// One of the two panels of platform 5, with a sensor's RAM that suits it.
 struct Panel5Kind {
   std::string name;
-  std::unique_ptr<PanelFrame> (*make)(const PanelContext&);
+  std::unique_ptr<ImagePanel> (*make)(const PanelContext&);
   RamBytes (*ram)();
 
   /// For the names of tests.
@@ -20,7 +20,7 @@ struct Panel5Kind {
 };
 
 template <typename PanelOf5>
-std::unique_ptr<PanelFrame> MakePanel5(const PanelContext& context) {
+std::unique_ptr<ImagePanel> MakePanel5(const PanelContext& context) {
   return std::make_unique<PanelOf5>(context);
 }
 
@@ -71,7 +71,7 @@ class EachPanel5Test : public testing::TestWithParam<Panel5Kind> {
   SensorGround ground{bench::SensorSetup{.part = 104}};
   SensorPort& port = ground.port;
   Session& session = ground.session;
-  std::unique_ptr<PanelFrame> panel = GetParam().make(ground.context);
+  std::unique_ptr<ImagePanel> panel = GetParam().make(ground.context);
 };
 
 }  // namespace brelant::test

@@ -97,7 +97,8 @@ TEST_F(Frm5ChannelsTest, AFaultWhileTheFormIsFittedIsACorruptSensor) {
   SnsInfo info(ground.session, ground.image, ground.com, definitions, machine);
   Screen screen;
   frm5 corrupt({machine, ground.session, screen, ground.image, ground.com, info, definitions, ground.file,
-                ground.cal, ground.msg, ground.comSet, ground.spanNote, ground.curve, [] {}});
+                ground.cal, ground.msg, ground.comSet, ground.spanNote, ground.curve,
+                ground.context.connection, [] {}});
   EXPECT_FALSE(corrupt.FormUpdateInit());
   EXPECT_EQ(ground.session.LastError, "Sensor is corrupt");
   ground.session.LastError = "first";

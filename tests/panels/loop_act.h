@@ -19,10 +19,10 @@ void RunLoop(PanelGround<Port>& ground, Panel& panel, std::chrono::microseconds 
 }
 
 /// A panel that has nothing but the frame: its actions are written down and do what a test says.
-class BarePanel : public PanelFrame {
+class BarePanel : public ImagePanel {
  public:
   explicit BarePanel(const PanelContext& context)
-      : PanelFrame(context, "frmBare", {"Off line", "Calibrating temperature ", "Temp", "CO2 single point"}) {
+      : ImagePanel(context, "frmBare", {"Off line", "Calibrating temperature ", "Temp", "CO2 single point"}) {
   }
 
   bool FormUpdateInit() override { return true; }

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "connection/unit_names.h"
 #include "panels/definition_file.h"
 #include "panels/frm5.h"
 #include "panels/sample_ram.h"
@@ -55,24 +56,27 @@ struct PanelGround : Bus<Port> {
   frmComSet comSet{this->session, this->machine, screen};
   frmSpanCalNote spanNote{this->session, screen};
   frmCalCurve curve{info, screen};
+  UnitNames unitNames;
   int sessionsEnded = 0;
-  PanelContext context{this->machine,
-                       this->session,
-                       screen,
-                       this->image,
-                       this->com,
-                       info,
-                       definitions,
-                       file,
-                       cal,
-                       msg,
-                       comSet,
-                       spanNote,
-                       curve,
-                       [this] {
-                         ++sessionsEnded;
-                         this->session.sessionOver = true;
-                       }};
+  PanelContext context{
+      this->machine,
+      this->session,
+      screen,
+      this->image,
+      this->com,
+      info,
+      definitions,
+      file,
+      cal,
+      msg,
+      comSet,
+      spanNote,
+      curve,
+      {this->session, this->link, this->files, this->modbus, unitNames.names, unitNames.modbus},
+      [this] {
+        ++sessionsEnded;
+        this->session.sessionOver = true;
+      }};
 };
 
 /// A person at a field.

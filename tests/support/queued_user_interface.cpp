@@ -24,7 +24,8 @@ UserInterface::Reply QueuedUserInterface::MessageBox(const std::string& text, Bu
   return Next(replies, buttons == Buttons::yesNo ? Reply::no : Reply::ok);
 }
 
-std::optional<std::string> QueuedUserInterface::InputBox(const std::string& prompt) {
+std::optional<std::string> QueuedUserInterface::InputBox(const std::string& prompt,
+                                                         const std::string& /*title*/) {
   prompts.push_back(prompt);
   return Next(inputs, std::optional<std::string>());
 }

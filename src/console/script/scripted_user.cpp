@@ -72,9 +72,11 @@ Reply ScriptedUser::MessageBox(const std::string& text, Buttons buttons, const s
   return reply;
 }
 
-std::optional<std::string> ScriptedUser::InputBox(const std::string& prompt) {
+std::optional<std::string> ScriptedUser::InputBox(const std::string& prompt, const std::string& title) {
   auto answer = answers.empty() ? std::nullopt : TakeFrom(answers);
-  out_.Print({{"event", "input"}, {"prompt", prompt}, {"answer", TextOrNull(answer)}});
+  Json asked{{"event", "input"}, {"prompt", prompt}, {"answer", TextOrNull(answer)}};
+  if (!title.empty()) asked["title"] = title;
+  out_.Print(asked);
   return answer;
 }
 

@@ -19,7 +19,8 @@ class ScriptedUser : public UserInterface {
 
   UserInterface::Reply MessageBox(const std::string& text, Buttons buttons, const std::string& title,
                                   Icon icon) override;
-  std::optional<std::string> InputBox(const std::string& prompt) override;
+  using UserInterface::InputBox;
+  std::optional<std::string> InputBox(const std::string& prompt, const std::string& title) override;
   std::optional<std::string> FileDialog(FileUse use, const std::string& filter) override;
   std::optional<std::size_t> PopupMenu(const std::vector<std::string>& captions) override;
   void ShellOpen(const std::string& path) override;
