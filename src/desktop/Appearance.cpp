@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QProxyStyle>
 #include <QStyleOption>
+#include <algorithm>
 #include <memory>
 
 namespace brelant {
@@ -32,7 +33,7 @@ Tones DarkTones() {
 }
 
 /// Fields, boxes and circles with an edge that is seen on dark grounds too, and the latter large enough for a
-/// hand in a glove.
+/// hand in a glove: as high as their text, where that is large.
 class InstrumentStyle : public QProxyStyle {
  public:
   InstrumentStyle() : QProxyStyle("Fusion") {}
@@ -41,7 +42,8 @@ class InstrumentStyle : public QProxyStyle {
     const int size = QProxyStyle::pixelMetric(metric, option, widget);
     const bool isIndicator = metric == PM_IndicatorWidth || metric == PM_IndicatorHeight ||
                              metric == PM_ExclusiveIndicatorWidth || metric == PM_ExclusiveIndicatorHeight;
-    return isIndicator ? size * 5 / 4 : size;
+    if (!isIndicator) return size;
+    return std::max(size * 5 / 4, widget == nullptr ? 0 : widget->fontMetrics().height());
   }
 
   int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
@@ -62,7 +64,11 @@ class InstrumentStyle : public QProxyStyle {
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
                           const QWidget* widget) const override {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
-    if (control == CC_ComboBox) DrawFieldEdge(*option, *painter);
+    if (control != CC_ComboBox) return;
+    DrawFieldEdge(*option, *painter);
+    // Without this the choice in focus would be told by nothing but a fainter edge.
+    const bool hasFocus = (option->state & State_HasFocus) != 0;
+    if (hasFocus) DrawEdge(*option, *painter, option->palette.color(QPalette::Highlight), kCorner);
   }
 
  private:

@@ -8,6 +8,8 @@
 #include "desktop/panels/platform5/Panel5Window.h"
 #include "desktop/panels/platform6/Panel6Window.h"
 #include "desktop/panels/platform61/Panel61Window.h"
+#include "desktop/panels/safety/SafetyWindow.h"
+#include "desktop/panels/safety/unit_dialogs.h"
 #include "desktop/windows/CalCurveWindow.h"
 #include "desktop/windows/ComSetWindow.h"
 #include "desktop/windows/MsgWindow.h"
@@ -28,6 +30,24 @@ DialogEntry EntryOf(Model& model) {
   return {&model.form, [&model](Acts& acts) { return std::make_unique<Window>(model, acts); }};
 }
 
+struct UnitDialogEntry {
+  std::string_view name;
+  std::unique_ptr<FormWindow> (*make)(Form&, Acts&);
+};
+
+template <typename Window>
+std::unique_ptr<FormWindow> MakeUnitDialog(Form& form, Acts& acts) {
+  return std::make_unique<Window>(form, acts);
+}
+
+/// They belong to the safety panel, and are gone with it.
+constexpr std::array<UnitDialogEntry, 5> kUnitDialogs{
+    {{"frmZ7731SensorConfig", MakeUnitDialog<SensorConfigWindow>},
+     {"frmZ7731ABC", MakeUnitDialog<AbcWindow>},
+     {"frmZ7731Logger", MakeUnitDialog<LoggerWindow>},
+     {"frmZ7731Options", MakeUnitDialog<OptionsWindow>},
+     {"frmZ7731About", MakeUnitDialog<AboutWindow>}}};
+
 struct PanelEntry {
   std::string_view name;
   std::unique_ptr<FormWindow> (*make)(Panel&, Acts&);
@@ -38,10 +58,11 @@ std::unique_ptr<FormWindow> MakePanel(Panel& panel, Acts& acts) {
   return std::make_unique<Window>(panel, acts);
 }
 
-constexpr std::array<PanelEntry, 4> kPanels{{{"frm5", MakePanel<Panel5Window>},
+constexpr std::array<PanelEntry, 5> kPanels{{{"frm5", MakePanel<Panel5Window>},
                                              {"frm5Chart", MakePanel<Panel5ChartWindow>},
                                              {"frm6", MakePanel<Panel6Window>},
-                                             {"frm61", MakePanel<Panel61Window>}}};
+                                             {"frm61", MakePanel<Panel61Window>},
+                                             {"frmZ7731Chart", MakePanel<SafetyWindow>}}};
 
 }  // namespace
 
@@ -79,6 +100,9 @@ std::unique_ptr<FormWindow> Desktop::MakeWindow(Form& form) {
                                            EntryOf<CalCurveWindow>(program_.calCurve)};
   for (const auto& dialog : dialogs) {
     if (dialog.form == &form) return dialog.make(acts_);
+  }
+  for (const auto& [name, make] : kUnitDialogs) {
+    if (name == form.Name()) return make(form, acts_);
   }
   auto* panel = program_.session.CurrentPanel;
   if (panel == nullptr || &form != &panel->form) return nullptr;

@@ -6,14 +6,20 @@
 
 namespace brelant {
 
-void CopyShippedFiles(const QString& from, const QString& to) {
-  const QStringList shipped{"*.pdt", "*.sim", "help*.html", "help.css"};
-  const QDir source(from);
-  const QDir target(to);
+namespace {
+
+void CopyMissing(const QDir& source, const QDir& target, const QStringList& names) {
   target.mkpath(".");
-  for (const auto& name : source.entryList(shipped, QDir::Files)) {
+  for (const auto& name : source.entryList(names, QDir::Files)) {
     if (!target.exists(name)) QFile::copy(source.filePath(name), target.filePath(name));
   }
+}
+
+}  // namespace
+
+void CopyShippedFiles(const QString& from, const QString& to) {
+  CopyMissing(from, to, {"*.pdt", "*.sim", "help*.html", "help.css"});
+  CopyMissing(from + "/Support", to + "/Support", {"help*.html"});
 }
 
 }  // namespace brelant

@@ -33,18 +33,25 @@ std::vector<std::string> Found(const std::string& text, const std::string& patte
 
 std::vector<std::string> Pages() {
   std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(kDirectory)) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(kDirectory)) {
     const std::string name = entry.path().filename().string();
-    if (name.starts_with("help") && name.ends_with(".html")) names.push_back(name);
+    if (!name.starts_with("help") || !name.ends_with(".html")) continue;
+    names.push_back(entry.path().lexically_relative(kDirectory).string());
   }
   return names;
 }
 
+/// What a link of that page leads to, from where all pages are counted.
+std::string Target(const std::string& page, const std::string& link) {
+  return (std::filesystem::path(page).parent_path() / link).lexically_normal().string();
+}
+
 TEST(HelpPages, ThereIsOneForEachVariantThatHasAPanel) {
-  EXPECT_THAT(Pages(), testing::IsSupersetOf({"help5v0.html", "help5v1.html", "help5v2.html", "help5v3.html",
-                                              "help6v0.html", "help6v1.html", "help6v2.html", "help6v3.html",
-                                              "help6v4.html", "help6v5.html", "help61v0.html",
-                                              "help61v1.html", "help7v1.html", "help7v2.html"}));
+  EXPECT_THAT(Pages(),
+              testing::IsSupersetOf({"help5v0.html", "help5v1.html", "help5v2.html", "help5v3.html",
+                                     "help6v0.html", "help6v1.html", "help6v2.html", "help6v3.html",
+                                     "help6v4.html", "help6v5.html", "help61v0.html", "help61v1.html",
+                                     "help7v1.html", "help7v2.html", "Support/help9.html"}));
 }
 
 // Both variants have one panel, and so one page.
@@ -81,11 +88,56 @@ TEST(HelpPages, OfPlatforms61And7TellTheCommandsThatTheyHave) {
   EXPECT_THAT(Page("help7v2.html"), testing::HasSubstr("no settings files"));
 }
 
+TEST(HelpPages, OfTheSafetySystemTellsItsAlarmsRelaysAndMessages) {
+  const std::string page = Page("Support/help9.html");
+  for (const char* text : {"CO2 pre-alarm",
+                           "CO2 main alarm",
+                           "TWA alarm",
+                           "TEMP 1 low",
+                           "TEMP 1 high",
+                           "TEMP 2 low",
+                           "TEMP 2 high",
+                           "WEIGHT pre-alarm",
+                           "WEIGHT main alarm",
+                           "<th scope=\"row\">ERR</th>",
+                           "\"No alarm\"",
+                           "at most four alarms",
+                           "Only 3 channels can be chosen at the same",
+                           "TWA drives output P0",
+                           "No sensor detected, entering simulated mode.",
+                           "Writing one or more values to Sensor FAILED.",
+                           "Calibration error",
+                           "Could not change logger values",
+                           "Invalid Sensor ID!",
+                           "Vega 3"}) {
+    EXPECT_THAT(page, testing::HasSubstr(text));
+  }
+}
+
+// What an installer must not learn too late.
+TEST(HelpPages, OfTheSafetySystemWarnsOfWhatActsAtOnceAndOfWhatDoesNot) {
+  const std::string page = Page("Support/help9.html");
+  const auto warnings = Found(page, "<p class=\"warn\"><b>([^<]+)");
+  EXPECT_THAT(warnings,
+              testing::Contains(testing::HasSubstr("A level goes to the unit as soon as you finish it")));
+  EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr("TWA by KiBus")));
+  EXPECT_THAT(page,
+              testing::HasSubstr("Ticks go to the unit with the next level, or with \"Send to sensor\""));
+}
+
+TEST(HelpPages, EachPageIsStyled) {
+  for (const std::string& name : Pages()) {
+    const auto styles = Found(Page(name), "<link rel=\"stylesheet\" href=\"([^\"]+)\"");
+    ASSERT_EQ(styles.size(), 1U) << name;
+    EXPECT_TRUE(std::filesystem::exists(kDirectory / Target(name, styles.front()))) << name;
+  }
+}
+
 TEST(HelpPages, EachLinkLeadsSomewhere) {
   for (const std::string& name : Pages()) {
     for (const std::string& link : Found(Page(name), "href=\"([^\"]+)\"")) {
       const auto hash = link.find('#');
-      const std::string page = hash == 0 ? name : link.substr(0, hash);
+      const std::string page = hash == 0 ? name : Target(name, link.substr(0, hash));
       ASSERT_TRUE(std::filesystem::exists(kDirectory / page)) << name << ": " << link;
       if (hash == std::string::npos) continue;
       EXPECT_THAT(Found(Page(page), " id=\"([^\"]+)\""), testing::Contains(link.substr(hash + 1)))

@@ -2,11 +2,17 @@
 #include "desktop/Appearance.h"
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialog>
+#include <QStyle>
+#include <QVBoxLayout>
 #include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
 #include "panels/PanelFrame.h"
 
@@ -62,6 +68,47 @@ TEST_P(AppearanceTest, WhatIsDrawnStandsOutFromItsGround) {
   }
   EXPECT_GE(Contrast(palette.color(QPalette::Mid), window), kLargeText) << "the edge of a field";
   EXPECT_GE(Contrast(ink.running, palette.color(QPalette::Base)), kLargeText);
+}
+
+TEST_P(AppearanceTest, TheSystemsColourOfAButtonIsThePalettes) {
+  EXPECT_EQ(ToQColor(static_cast<Colour>(0x8000000FU)), QApplication::palette().color(QPalette::Button));
+  EXPECT_EQ(ToQColor(32768), QColor(0, 128, 0));
+  EXPECT_FALSE(ToQColor(kStyleColour).isValid());
+}
+
+TEST_P(AppearanceTest, ATickIsAsHighAsALargeText) {
+  QCheckBox usual;
+  const auto height = [](const QCheckBox& box) {
+    return box.style()->pixelMetric(QStyle::PM_IndicatorHeight, nullptr, &box);
+  };
+  EXPECT_GE(height(usual), usual.fontMetrics().height());
+  QCheckBox large;
+  ScaleFont(large, 2);
+  EXPECT_EQ(height(large), large.fontMetrics().height());
+  EXPECT_GT(height(large), height(usual) * 3 / 2);
+}
+
+TEST_P(AppearanceTest, TheChoiceInFocusHasAnEdgeOfItsOwn) {
+  QDialog window;
+  auto& layout = LayOut<QVBoxLayout>(window, 4);
+  auto& first = Make<QComboBox>(window);
+  auto& second = Make<QComboBox>(window);
+  layout.addWidget(&first);
+  layout.addWidget(&second);
+  window.show();
+  window.activateWindow();
+  QApplication::processEvents();
+  const auto edge = [](QComboBox& box) {
+    const auto image = box.grab().toImage();
+    return image.pixelColor(image.width() / 2, 0);
+  };
+  const auto highlight = QApplication::palette().color(QPalette::Highlight);
+  first.setFocus();
+  EXPECT_EQ(edge(first), highlight);
+  EXPECT_NE(edge(second), highlight);
+  second.setFocus();
+  EXPECT_NE(edge(first), highlight);
+  EXPECT_EQ(edge(second), highlight);
 }
 
 TEST_P(AppearanceTest, IsLightOrDarkAsTold) {

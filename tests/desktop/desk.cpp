@@ -18,6 +18,7 @@ constexpr const char* kAppDir = "C:\\KVX";
 
 const char* PanelOf(int platform, int variant) {
   if (platform == 5) return variant == 0 ? "frm5" : "frm5Chart";
+  if (platform == 9) return "frmZ7731Chart";
   return platform == 6 ? "frm6" : "frm61";
 }
 
@@ -33,6 +34,8 @@ Desk::Desk(int part, int variant)
     PutFile("DEF00" + name + ".PDT");
     PutFile("Platform 5 " + (variant == 0 ? "part " + name : "chart") + ".sim");
   }
+  // It is simulated without what a file holds.
+  if (port.sensor.Platform() == 9) files.Put(std::string(kAppDir) + "\\Vega 3.sim", {});
   pump.limit = std::chrono::hours(1);
   pump.OnPass([this] { return desktop.Pass(); });
   pump.OnPass([this] { return Pass(); });

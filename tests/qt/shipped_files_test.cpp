@@ -29,7 +29,10 @@ TEST(ShippedFilesTest, AreCopiedWhereTheyAreMissing) {
                            "brelant", "last.set", "index.html"}) {
     Put(from.filePath(name), name);
   }
+  ASSERT_TRUE(QDir(from.path()).mkpath("Support"));
+  for (const auto* name : {"Support/help9.html", "Support/notes.txt"}) Put(from.filePath(name), name);
   CopyShippedFiles(from.path(), to);
+  EXPECT_EQ(QDir(to + "/Support").entryList(QDir::Files), QStringList{"help9.html"});
   EXPECT_EQ(QDir(to).entryList(QDir::Files, QDir::Name),
             (QStringList{"DEF00231.PDT", "Vega 3.sim", "help.css", "help5v0.html", "helpComSet.html"}));
   EXPECT_EQ(Content(to + "/Vega 3.sim"), "Vega 3.sim");

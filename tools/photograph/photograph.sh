@@ -11,7 +11,7 @@ work=$(mktemp -d)
 scenes=("${@:3}")
 [ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve generic
   three_outputs vav_222 vav_223 jumper sequential compact transfer transfer_digital
-  platform61 platform61_plain platform7)
+  platform61 platform61_plain platform7 safety safety_few safety_simulated safety_dialogs)
 part=231
 seconds_to_wait=20
 started=()
@@ -183,6 +183,62 @@ photograph_alarmed() {
 photograph_chart() { photograph_alarmed chart $part 1; }
 photograph_platform61() { photograph_alarmed platform61 215 0; }
 photograph_platform7() { photograph_alarmed platform7 50 2; }
+
+# photograph_unit NAME MODEL: the safety panel once its unit has been read whole, and while an alarm is active.
+photograph_unit() {
+  local id part=154
+  settings "$work/sensor" 1
+  sensor --variant "$2"
+  program
+  id=$(until_seen window BRELANT 800)
+  sleep 5
+  seconds_to_wait=90 until_seen alarmed "$id"
+  shoot "$1" BRELANT 800
+  stop
+}
+
+photograph_safety() { photograph_unit safety 3; }
+# A model without temperature 2 and weight.
+photograph_safety_few() { photograph_unit safety-few 5; }
+
+photograph_safety_simulated() {
+  settings /dev/ttyUSB0 0
+  program
+  until_seen window "Communication setup" 300 >/dev/null
+  press "$(window "Communication setup" 300)" alt+m Return
+  until_seen window "Simulated mode" 200 >/dev/null
+  press "$(window "Simulated mode" 200)" End Home
+  xdotool type "Vega"
+  press "$(window "Simulated mode" 200)" Return
+  until_seen window "BRELANT Simulated mode" 800 >/dev/null
+  sleep 0.5
+  shoot safety-simulated "BRELANT Simulated mode" 800
+  stop
+}
+
+# The dialogs of the safety panel, each opened by the letters of its menu entry and left by Escape.
+photograph_safety_dialogs() {
+  local id part=154 name title keys
+  settings "$work/sensor" 1
+  sensor --variant 3
+  program
+  id=$(until_seen window BRELANT 800)
+  sleep 3
+  while IFS='|' read -r name title keys; do
+    # shellcheck disable=SC2086
+    press "$id" $keys
+    shoot "$name" "$title" 150
+    press "$(window "$title" 150)" Escape
+    until_seen gone "$title" 150
+  done <<'EOF'
+safety-configuration|Sensor Configuration|alt+s e
+safety-abc|ABC Configuration|alt+s a
+safety-logger|Logger Configuration|alt+s l
+safety-options|Options...|alt+f o
+safety-about|About BRELANT|alt+a
+EOF
+  stop
+}
 
 photograph_curve() {
   settings "$work/sensor" 1

@@ -43,17 +43,26 @@ void Fill(const Control& control, QAbstractButton& button, const ButtonFace& fac
   if (button.isCheckable()) button.setChecked(control.Value() == 1);
 }
 
-void Fill(const Control& control, QComboBox& box) {
+/// A box that is filled takes the first item for its text, which is none of the control's.
+bool FillItems(const Control& control, QComboBox& box) {
   const auto items = ItemsOf(control);
   QStringList shown;
   for (int i = 0; i < box.count(); ++i) shown.append(box.itemText(i));
-  if (shown != items) {
-    box.clear();
-    box.addItems(items);
-    // A box that is filled takes the first item for its text.
-    box.setCurrentIndex(-1);
-    box.setEditText(TextOf(control));
-  }
+  if (shown == items) return false;
+  box.clear();
+  box.addItems(items);
+  box.setCurrentIndex(-1);
+  return true;
+}
+
+void Fill(const Control& control, QComboBox& box) {
+  if (FillItems(control, box)) box.setEditText(TextOf(control));
+  Reflect(control, box);
+}
+
+void FillChoice(const Control& control, QComboBox& box) {
+  FillItems(control, box);
+  if (box.currentIndex() != control.Value()) box.setCurrentIndex(control.Value());
   Reflect(control, box);
 }
 
@@ -100,6 +109,20 @@ void Bind(Views& views, Control& control, QComboBox& box, SpokenName name) {
   QObject::connect(&box, &QComboBox::activated, &box, [&](int index) {
     views.Report(box, [&views, &control, text = box.itemText(index).toStdString()] {
       views.Model().ChangeText(control, text);
+    });
+  });
+}
+
+void BindChoice(Views& views, Control& control, QComboBox& box, SpokenName name) {
+  TakeName(control, box);
+  views.OnRefresh([&control, &box, name = std::move(name)] {
+    FillChoice(control, box);
+    const auto spoken = name();
+    if (box.accessibleName() != spoken) box.setAccessibleName(spoken);
+  });
+  QObject::connect(&box, &QComboBox::activated, &box, [&](int index) {
+    views.Report(box, [&views, &control, text = box.itemText(index).toStdString()] {
+      views.Model().Choose(control, text);
     });
   });
 }

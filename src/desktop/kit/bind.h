@@ -33,6 +33,9 @@ void Bind(Views& views, Control& control, QAbstractButton& button, const ButtonF
 /// A text control that offers items. Choosing one is a change of its text.
 void Bind(Views& views, Control& control, QComboBox& box, SpokenName name);
 
+/// A list control as a choice that opens: one entry for each item.
+void BindChoice(Views& views, Control& control, QComboBox& box, SpokenName name);
+
 /// A list control: one line for each item.
 void Bind(Views& views, Control& control, QListWidget& list, const QString& name);
 

@@ -13,6 +13,7 @@ namespace {
 
 /// Numbers are what is read from a distance.
 constexpr double kNumberSize = 1.15;
+constexpr double kFactSize = 1.25;
 
 }  // namespace
 
@@ -23,6 +24,18 @@ QLineEdit& MakeNumber(Views& views, Control& control, int width, SpokenName name
   edit.setFixedWidth(width);
   Bind(views, control, edit, std::move(name));
   return edit;
+}
+
+QLineEdit& MakeFact(Views& views, Control& control, int digits, SpokenName name, QWidget& parent) {
+  auto& fact = Make<QLineEdit>(parent);
+  ScaleFont(fact, kFactSize, QFont::DemiBold);
+  fact.setFrame(false);
+  QPalette onGround;
+  onGround.setColor(QPalette::Base, Qt::transparent);
+  fact.setPalette(onGround);
+  fact.setFixedWidth(Digits(fact, digits));
+  Bind(views, control, fact, std::move(name));
+  return fact;
 }
 
 QLabel& AddCaption(const QString& text, QWidget& parent, QBoxLayout& layout) {

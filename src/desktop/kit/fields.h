@@ -13,6 +13,9 @@ namespace brelant {
 /// A number field of that width.
 QLineEdit& MakeNumber(Views& views, Control& control, int width, SpokenName name, QWidget& parent);
 
+/// A field that is only read, as a text on the ground that can be copied.
+QLineEdit& MakeFact(Views& views, Control& control, int digits, SpokenName name, QWidget& parent);
+
 /// Adds a text of the program's own.
 QLabel& AddCaption(const QString& text, QWidget& parent, QBoxLayout& layout);
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/kit/text.h"
 
+#include <QGuiApplication>
+#include <QPalette>
 #include <cmath>
 
 namespace brelant {
@@ -25,7 +27,9 @@ QString WithMnemonic(const QString& caption, QChar letter) {
 }
 
 QColor ToQColor(Colour colour) {
+  constexpr auto kButtonFace = static_cast<Colour>(0x8000000FU);
   if (colour == kStyleColour) return {};
+  if (colour == kButtonFace) return QGuiApplication::palette().color(QPalette::Button);
   return {colour & 255, colour >> 8 & 255, colour >> 16 & 255};
 }
 

@@ -20,7 +20,8 @@ inline QString TextOf(const Control& control) {
 /// one, and every "&" of the caption is kept as it stands.
 QString WithMnemonic(const QString& caption, QChar letter);
 
-/// The style's colour is an invalid one.
+/// The style's colour is an invalid one; the system's colour of a button's face is what the palette has for
+/// it.
 QColor ToQColor(Colour colour);
 
 /// Black or white, whichever is read better on that colour.

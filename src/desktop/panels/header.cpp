@@ -18,19 +18,19 @@ namespace {
 constexpr int kSpacing = 10;
 constexpr int kDisplays = 4;
 
-/// A field that is only read, as a text on the ground that can be copied.
 void AddFact(Views& views, const QString& caption, Control& control, int digits, QBoxLayout& layout) {
   auto& ground = *layout.parentWidget();
   AddCaption(caption, ground, layout);
-  auto& fact = Make<QLineEdit>(ground);
-  ScaleFont(fact, 1.25, QFont::DemiBold);
-  fact.setFrame(false);
-  QPalette onGround;
-  onGround.setColor(QPalette::Base, Qt::transparent);
-  fact.setPalette(onGround);
-  fact.setFixedWidth(Digits(fact, digits));
-  Bind(views, control, fact, Always(caption));
-  layout.addWidget(&fact);
+  layout.addWidget(&MakeFact(views, control, digits, Always(caption), ground));
+}
+
+/// On some panels it is only told.
+void AddId(Views& views, QBoxLayout& layout) {
+  auto& id = views("txbID");
+  if (!id.Editable()) return AddFact(views, "ID", id, 3, layout);
+  auto& ground = *layout.parentWidget();
+  AddCaption("ID", ground, layout);
+  layout.addWidget(&MakeNumber(views, id, Digits(ground, 5), Always("Bus ID"), ground));
 }
 
 void AddIdentity(Views& views, const Displays& displays, QBoxLayout& layout) {
@@ -38,8 +38,7 @@ void AddIdentity(Views& views, const Displays& displays, QBoxLayout& layout) {
   AddFact(views, "Serial number", views("txbSN"), 10, layout);
   // Not all panels show it.
   if (auto* version = views.Model().Find("txbVersion")) AddFact(views, "Version", *version, 3, layout);
-  AddCaption("ID", ground, layout);
-  layout.addWidget(&MakeNumber(views, views("txbID"), Digits(ground, 5), Always("Bus ID"), ground));
+  AddId(views, layout);
   layout.addSpacing(kSpacing);
   AddCaption("Display", ground, layout);
   for (const auto& [display, name] : displays) {
@@ -64,10 +63,10 @@ void AddCommands(Views& views, Panel& panel, QBoxLayout& layout) {
 
 }  // namespace
 
-Displays FourDisplays(const Views& views) {
+Displays FourDisplays(const Views& views, const std::string& labels) {
   Displays displays;
   for (int i = 0; i < kDisplays; ++i) {
-    displays.emplace_back(&views("lblDisp", i), QString("Display %1").arg(i + 1));
+    displays.emplace_back(&views(labels, i), QString("Display %1").arg(i + 1));
   }
   return displays;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QBoxLayout>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,7 +15,7 @@ namespace brelant {
 using Displays = std::vector<std::pair<Control*, QString>>;
 
 /// The four of a sensor whose display shows four channels.
-Displays FourDisplays(const Views& views);
+Displays FourDisplays(const Views& views, const std::string& labels = "lblDisp");
 
 /// Lays out the ground of a panel, and puts the row on top of it: what the sensor is, the mode, and the
 /// commands.

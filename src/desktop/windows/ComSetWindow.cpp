@@ -2,45 +2,16 @@
 #include "desktop/windows/ComSetWindow.h"
 
 #include <QCheckBox>
-#include <QGroupBox>
 #include <QKeySequence>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QShortcut>
 
 #include "desktop/kit/bind.h"
 #include "desktop/kit/fields.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
+#include "desktop/windows/dialog_parts.h"
 
 namespace brelant {
-
-namespace {
-
-QVBoxLayout& AddGroup(const QString& title, QWidget& window, QBoxLayout& layout) {
-  auto& group = Make<QGroupBox>(window, title);
-  layout.addWidget(&group);
-  auto& inside = LayOut<QVBoxLayout>(group, 8);
-  inside.setContentsMargins(12, 10, 12, 12);
-  return inside;
-}
-
-QPushButton& AddButton(Views& views, Control& control, QChar mnemonic, QWidget& window, QBoxLayout& layout) {
-  auto& button = Make<QPushButton>(window);
-  button.setAutoDefault(false);
-  Bind(views, control, button, {mnemonic});
-  layout.addWidget(&button);
-  return button;
-}
-
-QRadioButton& AddOption(Views& views, Control& control, QChar mnemonic, QWidget& window, QBoxLayout& layout) {
-  auto& option = Make<QRadioButton>(window);
-  Bind(views, control, option, {mnemonic});
-  layout.addWidget(&option);
-  return option;
-}
-
-}  // namespace
 
 ComSetWindow::ComSetWindow(frmComSet& dialog, Acts& acts) : DialogWindow(dialog.form, acts) {
   auto& layout = LayOut<QVBoxLayout>(*this, 12);

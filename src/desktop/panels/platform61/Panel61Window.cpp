@@ -3,10 +3,10 @@
 
 #include "desktop/kit/LiveTile.h"
 #include "desktop/kit/make.h"
+#include "desktop/panels/alarms/StatusLine.h"
 #include "desktop/panels/header.h"
 #include "desktop/panels/platform61/AlarmRowTable.h"
 #include "desktop/panels/platform61/FixedAlarmTable.h"
-#include "desktop/panels/platform61/StatusLine.h"
 #include "panels/frm61.h"
 
 namespace brelant {
@@ -22,7 +22,7 @@ Panel61Window::Panel61Window(Panel& panel, Acts& acts) : PanelWindow(panel, acts
   auto& ground = *centralWidget();
   auto& layout = LayOutPanel(views_, panel, FourDisplays(views_), ground);
   AddTiles(AddRow(layout, kSpacing));
-  layout.addWidget(&Make<platform61::StatusLine>(ground, views_));
+  AddStatus(layout);
   AddFace<platform61::FixedAlarmTable>("pctAlarm061", layout);
   AddFace<platform61::AlarmRowTable>("pctAlarm07", layout);
 }
@@ -39,12 +39,24 @@ void Panel61Window::AddTiles(QBoxLayout& layout) {
   }
 }
 
+void Panel61Window::AddStatus(QBoxLayout& layout) {
+  constexpr int kLines = 2;
+  const alarms::StatusLine::Controls controls{&views_("lblCH_Name(5)"), views_("txbCHact(5)")};
+  auto& status = Make<alarms::StatusLine>(*centralWidget(), views_, controls, QString(), kLines);
+  layout.addWidget(&status);
+  ShowWith("pctChannel(5)", status);
+}
+
 template <typename View>
 void Panel61Window::AddFace(const std::string& presence, QBoxLayout& layout) {
-  const auto& picture = views_(presence);
   auto& view = Make<View>(*centralWidget(), views_);
-  view.setObjectName(QString::fromStdString(presence));
   layout.addWidget(&view, 1);
+  ShowWith(presence, view);
+}
+
+void Panel61Window::ShowWith(const std::string& presence, QWidget& view) {
+  const auto& picture = views_(presence);
+  view.setObjectName(QString::fromStdString(presence));
   // A load or a read may have brought another sensor.
   views_.OnRefresh([&view, &picture] { SetShown(view, picture.Visible()); });
 }

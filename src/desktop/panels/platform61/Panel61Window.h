@@ -19,6 +19,8 @@ class Panel61Window : public PanelWindow {
   /// Adds what is shown while a picture of the form is to be seen.
   template <typename View>
   void AddFace(const std::string& presence, QBoxLayout& layout);
+  void AddStatus(QBoxLayout& layout);
+  void ShowWith(const std::string& presence, QWidget& view);
 };
 
 }  // namespace brelant
