@@ -17,6 +17,8 @@
 #include "comm/SensorImage.h"
 #include "comm/SerialLink.h"
 #include "comm/snscom.h"
+#include "connection/BRECOM.h"
+#include "connection/unit_names.h"
 #include "line/line_model.h"
 #include "line/measured_pump.h"
 #include "line/sensor_process.h"
@@ -26,6 +28,8 @@
 #include "qt/QtPump.h"
 #include "qt/QtSerialPort.h"
 #include "qt/QtSettingsStore.h"
+#include "safety/snsZ7731.h"
+#include "safety/unit_poll.h"
 
 namespace {
 
@@ -36,7 +40,9 @@ constexpr int kPlatform6Part = 88;
 constexpr std::int32_t kWholeRam = 8;
 constexpr std::int32_t kWholeEeprom = 30;
 
+constexpr int kSafetyPart = 154;
 constexpr double kRatioLimit = 1.05;
+constexpr double kPollRatioLimit = 1.10;
 constexpr double kLoadLimit = 2;
 constexpr double kGapLimit = 16;
 
@@ -46,7 +52,7 @@ class NoUser : public UserInterface {
   Reply MessageBox(const std::string& text, Buttons, const std::string&, Icon) override {
     throw std::runtime_error(text);
   }
-  std::optional<std::string> InputBox(const std::string&) override { return {}; }
+  std::optional<std::string> InputBox(const std::string&, const std::string&) override { return {}; }
   std::optional<std::string> FileDialog(FileUse, const std::string&) override { return {}; }
   std::optional<std::size_t> PopupMenu(const std::vector<std::string>&) override { return {}; }
   void ShellOpen(const std::string&) override {}
@@ -83,7 +89,8 @@ struct Figures {
 struct Transfer {
   const char* name;
   LineTime least;
-  std::function<bool(snscom&)> run;
+  std::function<bool()> run;
+  double limit = kRatioLimit;
 };
 
 std::chrono::microseconds ProcessorTime() {
@@ -101,7 +108,7 @@ Figures Measure(Bench& bench, const Transfer& transfer) {
   const auto start = bench.clock.Now();
   const auto processorStart = ProcessorTime();
   bench.pump.Begin();
-  if (!transfer.run(bench.com)) throw std::runtime_error(transfer.name + (": " + bench.session.LastError));
+  if (!transfer.run()) throw std::runtime_error(transfer.name + (": " + bench.session.LastError));
   const double time = Milliseconds(bench.clock.Now() - start);
   const double processorTime = Milliseconds(ProcessorTime() - processorStart);
   return {time, Milliseconds(bench.pump.LongestGap()), 100 * processorTime / time};
@@ -121,29 +128,66 @@ Figures Best(Bench& bench, const Transfer& transfer, int runs) {
 /// Prints the row; false if a limit is broken.
 bool Judge(const Transfer& transfer, const Figures& figures) {
   const double ratio = figures.time / transfer.least.count();
-  const bool holds = ratio <= kRatioLimit && figures.load <= kLoadLimit && figures.gap <= kGapLimit;
+  const bool holds = ratio <= transfer.limit && figures.load <= kLoadLimit && figures.gap <= kGapLimit;
   std::printf("%-26s %9.0f %9.0f %7.3f %9.2f %9.2f   %s\n", transfer.name, transfer.least.count(),
               figures.time, ratio, figures.load, figures.gap, holds ? "holds" : "BROKEN");
   return holds;
 }
 
+/// A safety unit, polled as its panel polls it.
+struct PolledUnit {
+  PolledUnit(Bench& bench, const std::string& device, bool modbus)
+      : sens({bench.session, bench.link, bench.files, bench.modbus, names.names, names.modbus}) {
+    unit.ProtocolInUse = modbus ? snsZ7731::modbus : snsZ7731::kiBus;
+    if (modbus) sens.SelectModbus(1);
+    sens.ConnectSensor(device, kOnlyUnit);
+    sens.onProgress = [&bench](int) {
+      const auto until = bench.clock.Now() + std::chrono::milliseconds(5);
+      while (bench.clock.Now() < until) bench.pump.Wait(until);
+    };
+  }
+  bool Poll() {
+    constexpr int kState = 383;
+    constexpr int kMask = 128;
+    PollUnit(sens, unit);
+    sens.Memory().ReadBytes(kState, 1, SensorMemory::ram, kMask);
+    return true;
+  }
+
+  UnitNames names;
+  snsZ7731 unit;
+  BRECOM sens;
+};
+
+bool MeasurePoll(const std::string& sensorProgram, int runs, bool modbus) {
+  const SensorProcess sensor(sensorProgram, kSafetyPart, modbus);
+  Bench bench(sensor.Device());
+  PolledUnit unit(bench, sensor.Device(), modbus);
+  const Transfer poll{modbus ? "poll on Modbus" : "poll on KiBus",
+                      modbus ? LeastModbusPollTime(6, 10) : LeastKiBusPollTime(3, 6, 21),
+                      [&unit] { return unit.Poll(); }, kPollRatioLimit};
+  return Judge(poll, Best(bench, poll, runs));
+}
+
 bool Run(const std::string& sensorProgram, int runs) {
   const SensorProcess sensor(sensorProgram, kPlatform6Part);
   Bench bench(sensor.Device());
+  auto& com = bench.com;
   // The platform is known before the first measured transfer, as in the program; and the write, which needs
   // an unlocked memory and all its bytes, measures its chunks alone.
   const std::array<Transfer, 3> transfers{
       Transfer{"read 256 bytes of RAM", LeastReadTime(256, 44),
-               [](snscom& com) { return com.ReadSensorMemory(kWholeRam, 0, 0, false, false); }},
+               [&com] { return com.ReadSensorMemory(kWholeRam, 0, 0, false, false); }},
       Transfer{"read 512 bytes of EEPROM", LeastReadTime(512, 86),
-               [](snscom& com) { return com.ReadSensorMemory(kWholeEeprom, 0, 0, true, false); }},
-      Transfer{"write 512 bytes of EEPROM", LeastWriteTime(512, 128), [](snscom& com) {
+               [&com] { return com.ReadSensorMemory(kWholeEeprom, 0, 0, true, false); }},
+      Transfer{"write 512 bytes of EEPROM", LeastWriteTime(512, 128), [&com] {
                  return com.WriteSensorMemory(kWholeEeprom, 0, 0, true, false, false, false, false, true);
                }}};
   if (!bench.com.SensorCommand(snscom::unlockEeprom, false)) throw std::runtime_error("no answer");
   std::printf("%-26s %9s %9s %7s %9s %9s\n", "", "least ms", "ms", "ratio", "core %", "gap ms");
   bool holds = true;
   for (const auto& transfer : transfers) holds = Judge(transfer, Best(bench, transfer, runs)) && holds;
+  for (const bool modbus : {false, true}) holds = MeasurePoll(sensorProgram, runs, modbus) && holds;
   std::printf("%-26s %9s %9s %7.3f %9.2f %9.2f\n", "limit", "", "", kRatioLimit, kLoadLimit, kGapLimit);
   return holds;
 }

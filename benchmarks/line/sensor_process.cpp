@@ -5,9 +5,11 @@
 
 namespace brelant::benchmark {
 
-SensorProcess::SensorProcess(const std::string& program, int part) {
+SensorProcess::SensorProcess(const std::string& program, int part, bool modbus) {
   process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-  process_.start(QString::fromStdString(program), {"--part", QString::number(part), "--pace"});
+  QStringList arguments{"--part", QString::number(part), "--pace"};
+  if (modbus) arguments.append("--modbus");
+  process_.start(QString::fromStdString(program), arguments);
   while (!process_.canReadLine()) {
     if (!process_.waitForReadyRead()) throw std::runtime_error(program + " does not start");
   }

@@ -10,7 +10,7 @@ namespace brelant::benchmark {
 class SensorProcess {
  public:
   /// Throws std::runtime_error if it does not start.
-  SensorProcess(const std::string& program, int part);
+  SensorProcess(const std::string& program, int part, bool modbus = false);
   ~SensorProcess();
   SensorProcess(const SensorProcess&) = delete;
   SensorProcess& operator=(const SensorProcess&) = delete;
