@@ -11,10 +11,12 @@ using LineTime = std::chrono::duration<double, std::milli>;
 
 LineTime LeastReadTime(int bytes, int chunks);
 LineTime LeastWriteTime(int bytes, int chunks);
-/// The poll of a safety unit over KiBus: frames with an address of one byte and of two, and the bytes that
-/// all of them bring; the lamp's pause at each.
-LineTime LeastKiBusPollTime(int shortFrames, int wideFrames, int bytes);
+/// Reads over KiBus from a unit that is reached by name: frames with an address of one byte and of two, and
+/// the bytes that all of them bring.
+LineTime LeastKiBusTime(int shortFrames, int wideFrames, int bytes);
 /// The same over Modbus: requests, and the registers that all of them bring.
-LineTime LeastModbusPollTime(int requests, int registers);
+LineTime LeastModbusTime(int requests, int registers);
+/// The pauses of the panel's lamp.
+LineTime LampTime(int flashes);
 
 }  // namespace brelant::benchmark

@@ -18,7 +18,9 @@
 #include "comm/SerialLink.h"
 #include "comm/snscom.h"
 #include "connection/BRECOM.h"
+#include "connection/KiLoggDecoder.h"
 #include "connection/unit_names.h"
+#include "line/full_logger.h"
 #include "line/line_model.h"
 #include "line/measured_pump.h"
 #include "line/sensor_process.h"
@@ -28,6 +30,7 @@
 #include "qt/QtPump.h"
 #include "qt/QtSerialPort.h"
 #include "qt/QtSettingsStore.h"
+#include "safety/Functions.h"
 #include "safety/snsZ7731.h"
 #include "safety/unit_poll.h"
 
@@ -42,7 +45,7 @@ constexpr std::int32_t kWholeEeprom = 30;
 
 constexpr int kSafetyPart = 154;
 constexpr double kRatioLimit = 1.05;
-constexpr double kPollRatioLimit = 1.10;
+constexpr double kRatioLimitByName = 1.10;
 constexpr double kLoadLimit = 2;
 constexpr double kGapLimit = 16;
 
@@ -134,10 +137,12 @@ bool Judge(const Transfer& transfer, const Figures& figures) {
   return holds;
 }
 
-/// A safety unit, polled as its panel polls it.
-struct PolledUnit {
-  PolledUnit(Bench& bench, const std::string& device, bool modbus)
-      : sens({bench.session, bench.link, bench.files, bench.modbus, names.names, names.modbus}) {
+/// A safety unit, polled and exported from as its panel does it.
+struct SafetyUnit {
+  SafetyUnit(Bench& bench, const std::string& device, bool modbus)
+      : sens({bench.session, bench.link, bench.files, bench.modbus, names.names, names.modbus}),
+        decoder({sens, bench.files, bench.user, [&bench] { return bench.clock.LocalTime(); },
+                 Functions::RawToDisplay, Functions::UnitLetter, Functions::LoggerPeriodSeconds}) {
     unit.ProtocolInUse = modbus ? snsZ7731::modbus : snsZ7731::kiBus;
     if (modbus) sens.SelectModbus(1);
     sens.ConnectSensor(device, kOnlyUnit);
@@ -145,6 +150,7 @@ struct PolledUnit {
       const auto until = bench.clock.Now() + std::chrono::milliseconds(5);
       while (bench.clock.Now() < until) bench.pump.Wait(until);
     };
+    decoder.SetLogger(1);
   }
   bool Poll() {
     constexpr int kState = 383;
@@ -157,19 +163,50 @@ struct PolledUnit {
   UnitNames names;
   snsZ7731 unit;
   BRECOM sens;
+  KiLoggDecoder decoder;
 };
 
 bool MeasurePoll(const std::string& sensorProgram, int runs, bool modbus) {
   const SensorProcess sensor(sensorProgram, kSafetyPart, modbus);
   Bench bench(sensor.Device());
-  PolledUnit unit(bench, sensor.Device(), modbus);
-  const Transfer poll{modbus ? "poll on Modbus" : "poll on KiBus",
-                      modbus ? LeastModbusPollTime(6, 10) : LeastKiBusPollTime(3, 6, 21),
-                      [&unit] { return unit.Poll(); }, kPollRatioLimit};
+  SafetyUnit unit(bench, sensor.Device(), modbus);
+  const auto line = modbus ? LeastModbusTime(6, 10) : LeastKiBusTime(3, 6, 21);
+  const Transfer poll{modbus ? "poll on Modbus" : "poll on KiBus", line + LampTime(modbus ? 6 : 9),
+                      [&unit] { return unit.Poll(); }, kRatioLimitByName};
   return Judge(poll, Best(bench, poll, runs));
 }
 
-bool Run(const std::string& sensorProgram, int runs) {
+/// What an export asks: five words of the logger's state before and after the age, and that before and after
+/// the samples; a Case word, the part number twice and the serial number in three bytes; 1500 samples.
+LineTime LeastExportTime(bool modbus) {
+  constexpr int kSampleBytes = 2 * 1500;
+  constexpr int kWords = 2 * (5 + 1 + 5);
+  constexpr int kBytes = 1 + 3;
+  constexpr int kParts = 2;
+  if (modbus) {
+    // Up to 125 registers in a request.
+    constexpr int kRequests = kWords + kBytes + kParts;
+    return LeastModbusTime(kRequests + 12, kRequests + kSampleBytes / 2);
+  }
+  // Four bytes in a frame. Only the part number lies within reach of an address of one byte.
+  return LeastKiBusTime(kParts, kWords + kBytes + kSampleBytes / 4,
+                        kParts + 2 * kWords + kBytes + kSampleBytes);
+}
+
+bool MeasureExport(const std::string& sensorProgram, int runs, bool modbus) {
+  const FullLogger logger;
+  const SensorProcess sensor(sensorProgram, kSafetyPart, modbus, logger.ImageFile());
+  Bench bench(sensor.Device());
+  SafetyUnit unit(bench, sensor.Device(), modbus);
+  // Without the lamp: how often it flashes is for the export to say.
+  const Transfer transfer{modbus ? "full logger on Modbus" : "full logger on KiBus", LeastExportTime(modbus),
+                          [&] { return unit.decoder.Export(logger.ExportFile()); }, kRatioLimitByName};
+  const auto figures = Best(bench, transfer, runs);
+  logger.CheckExport();
+  return Judge(transfer, figures);
+}
+
+bool Run(const std::string& sensorProgram, int runs, bool exports) {
   const SensorProcess sensor(sensorProgram, kPlatform6Part);
   Bench bench(sensor.Device());
   auto& com = bench.com;
@@ -188,6 +225,9 @@ bool Run(const std::string& sensorProgram, int runs) {
   bool holds = true;
   for (const auto& transfer : transfers) holds = Judge(transfer, Best(bench, transfer, runs)) && holds;
   for (const bool modbus : {false, true}) holds = MeasurePoll(sensorProgram, runs, modbus) && holds;
+  for (const bool modbus : {false, true}) {
+    holds = (!exports || MeasureExport(sensorProgram, runs, modbus)) && holds;
+  }
   std::printf("%-26s %9s %9s %7.3f %9.2f %9.2f\n", "limit", "", "", kRatioLimit, kLoadLimit, kGapLimit);
   return holds;
 }
@@ -198,14 +238,16 @@ int main(int argc, char** argv) {
   const QCoreApplication application(argc, argv);
   std::string sensor = QCoreApplication::applicationDirPath().toStdString() + "/brelant-sensor";
   int runs = 3;
+  bool exports = false;
   CLI::App app("Measures transfers against a paced virtual sensor. Exit status 1: a limit is broken.");
   app.add_option("--sensor", sensor, "The virtual sensor")->capture_default_str();
   app.add_option("--runs", runs, "Runs of each transfer, the best of which counts")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
+  app.add_flag("--export", exports, "Exports of a full logger too, some 25 s for each run");
   CLI11_PARSE(app, argc, argv);
   try {
-    return Run(sensor, runs) ? 0 : 1;
+    return Run(sensor, runs, exports) ? 0 : 1;
   } catch (const std::exception& error) {
     std::cerr << error.what() << std::endl;
     return 1;

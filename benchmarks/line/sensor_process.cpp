@@ -5,10 +5,11 @@
 
 namespace brelant::benchmark {
 
-SensorProcess::SensorProcess(const std::string& program, int part, bool modbus) {
+SensorProcess::SensorProcess(const std::string& program, int part, bool modbus, const std::string& image) {
   process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   QStringList arguments{"--part", QString::number(part), "--pace"};
   if (modbus) arguments.append("--modbus");
+  if (!image.empty()) arguments << "--image" << QString::fromStdString(image);
   process_.start(QString::fromStdString(program), arguments);
   while (!process_.canReadLine()) {
     if (!process_.waitForReadyRead()) throw std::runtime_error(program + " does not start");

@@ -9,8 +9,8 @@ namespace brelant::benchmark {
 /// A paced virtual sensor as a child process, ended with this object.
 class SensorProcess {
  public:
-  /// Throws std::runtime_error if it does not start.
-  SensorProcess(const std::string& program, int part, bool modbus = false);
+  /// `image`: the file that holds its memory. Throws std::runtime_error if it does not start.
+  SensorProcess(const std::string& program, int part, bool modbus = false, const std::string& image = {});
   ~SensorProcess();
   SensorProcess(const SensorProcess&) = delete;
   SensorProcess& operator=(const SensorProcess&) = delete;

@@ -173,6 +173,10 @@ int BRECOM::AnnouncedPercent(std::size_t more) const {
   return static_cast<int>((arrivedCells_ + more) * kDone / announcedCells_);
 }
 
+int BRECOM::InShare(int percent) const {
+  return share_.from + percent * (share_.to - share_.from) / kDone;
+}
+
 void BRECOM::CloseConnection() {
   Disconnect();
   ForgetMarks();
@@ -199,7 +203,7 @@ Target BRECOM::TargetOf(const Place& place) const {
 }
 
 /// One transfer. What ends it from outside makes it a cancelled one, whatever the road makes of that.
-void BRECOM::Run(const std::function<void(Road&)>& transfer, int percent, const char* step) {
+void BRECOM::Run(const std::function<void(Road&)>& transfer, std::optional<int> percent, const char* step) {
   if (awaitsModbus_) throw ConnectionError("The unit does not answer on KiBus.");
   if (!road_) throw ConnectionError("There is no connection.");
   if (context_.session.Over()) throw ConnectionError("The session is over");
@@ -209,7 +213,7 @@ void BRECOM::Run(const std::function<void(Road&)>& transfer, int percent, const 
   const BusyWith busy(context_.session, step);
   try {
     if (!isCancelled()) transfer(*road);
-    if (!isCancelled() && onProgress) onProgress(percent);
+    if (!isCancelled() && onProgress && percent) onProgress(InShare(*percent));
     if (!isCancelled()) return;
   } catch (const ConnectionError&) {
     ForgetAnnounced();
@@ -273,7 +277,7 @@ bool BRECOM::TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cel
   return true;
 }
 
-std::vector<std::uint16_t> BRECOM::ReadCells(Space space, int first, int count, int percent) {
+std::vector<std::uint16_t> BRECOM::ReadCells(Space space, int first, int count, std::optional<int> percent) {
   std::vector<std::uint16_t> cells;
   Run([&](Road& road) { cells = road.Read(space, first, count); }, percent);
   return cells;
@@ -283,10 +287,14 @@ std::vector<std::uint8_t> BRECOM::ReadBlock(const Place& place) {
   if (!IsInMemory(place)) throw ConnectionError("There is no such memory in the unit.");
   const auto target = TargetOf(place);
   std::vector<std::uint8_t> bytes;
+  std::optional<int> told;
   for (int done = 0; done < target.count;) {
     const int count = std::min(target.count - done, Most(target.space, target.count));
-    const auto cells =
-        ReadCells(target.space, target.first + done, count, (done + count) * kDone / target.count);
+    const int percent = (done + count) * kDone / target.count;
+    // Whoever hears of it may keep the line waiting, which a run of some hundred frames would feel.
+    const auto news = percent == told ? std::nullopt : std::optional(percent);
+    told = percent;
+    const auto cells = ReadCells(target.space, target.first + done, count, news);
     for (const auto cell : cells) {
       if (target.space == Space::holding) bytes.push_back(static_cast<std::uint8_t>(cell >> 8));
       bytes.push_back(static_cast<std::uint8_t>(cell & 255));
@@ -303,6 +311,13 @@ std::vector<std::uint8_t> BRECOM::ReadBlock(const Place& place) {
 void BRECOM::WriteCells(Space space, int first, const std::vector<std::uint16_t>& cells) {
   ForgetAnnounced();
   Run([&](Road& road) { road.Write(space, first, cells); }, kDone, "Sending to sensor");
+}
+
+ProgressShare::ProgressShare(BRECOM& connection, int from, int to)
+    : connection_(connection), before_(std::exchange(connection.share_, {from, to})) {}
+
+ProgressShare::~ProgressShare() {
+  connection_.share_ = before_;
 }
 
 // What a connection hands out

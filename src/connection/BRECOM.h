@@ -21,6 +21,7 @@
 namespace brelant {
 
 class BRECOM;
+class ProgressShare;
 
 /// A parameter of the attached unit. Operations throw ConnectionError.
 class Node {
@@ -71,7 +72,8 @@ class SensorMemory {
   /// `width` 1 or 2 bytes, high byte first; `mask` other than 0 narrows to its bits.
   std::int32_t ReadBytes(int address, int width, int kind, int mask) const;
   void WriteWord(int address, int width, int kind, int mask, std::int32_t value);
-  /// A run of bytes, in as few transfers as the road allows. The progress is that of the whole run.
+  /// A run of bytes, in as few transfers as the road allows. The progress is that of the whole run, told when
+  /// its percentage has moved.
   std::vector<std::uint8_t> ReadBlock(int address, int count, int kind) const;
   /// The bits of each byte of a run that the next settings file holds.
   void MarkBlock(int address, int count, int kind, int mask);
@@ -132,13 +134,20 @@ class BRECOM {
   /// one begin until it is cleared.
   void Abort() { aborted_ = true; }
 
-  /// Told with each transfer, in percent: of the cells that are announced, if there are any.
+  /// Told with each transfer, in percent: of the cells that are announced, if there are any. ProgressShare
+  /// makes that a part of something longer.
   std::function<void(int)> onProgress;
 
  private:
   friend class Node;
   friend class SensorNodes;
   friend class SensorMemory;
+  friend class ProgressShare;
+
+  struct Share {
+    int from = 0;
+    int to = 100;
+  };
 
   Target TargetOf(std::string_view name) const;
   Target TargetOf(const Place& place) const;
@@ -146,18 +155,20 @@ class BRECOM {
   std::int32_t ReadTarget(const Target& target);
   void WriteTarget(const Target& target, std::int32_t value);
   std::vector<std::uint8_t> ReadBlock(const Place& place);
-  /// `percent`: what is done when they are there.
-  std::vector<std::uint16_t> ReadCells(Space space, int first, int count, int percent);
+  /// `percent`: what is done when they are there; none is told of no change.
+  std::vector<std::uint16_t> ReadCells(Space space, int first, int count, std::optional<int> percent);
   void WriteCells(Space space, int first, const std::vector<std::uint16_t>& cells);
   bool TakeAnnounced(const Target& target, std::vector<std::uint16_t>& cells);
   void Attach();
   void Release();
   bool AnswersOnModbus();
-  void Run(const std::function<void(Road&)>& transfer, int percent, const char* step = "Reading from sensor");
+  void Run(const std::function<void(Road&)>& transfer, std::optional<int> percent,
+           const char* step = "Reading from sensor");
   /// Something has ended the running operation from outside.
   bool Interrupted() const { return aborted_ || context_.session.CancelPressed; }
   void ForgetAnnounced();
   int AnnouncedPercent(std::size_t more = 0) const;
+  int InShare(int percent) const;
   int Most(Space space, int otherwise) const { return road_ ? road_->Most(space) : otherwise; }
 
   using CellKey = std::pair<Space, int>;
@@ -179,6 +190,21 @@ class BRECOM {
   std::map<CellKey, std::optional<std::uint16_t>> announced_;
   std::size_t announcedCells_ = 0;
   std::size_t arrivedCells_ = 0;
+  Share share_;
+};
+
+/// While it lives, what the connection tells of its progress, 0 to 100, is told as `from` to `to` percent of
+/// something longer.
+class ProgressShare {
+ public:
+  ProgressShare(BRECOM& connection, int from, int to);
+  ~ProgressShare();
+  ProgressShare(const ProgressShare&) = delete;
+  ProgressShare& operator=(const ProgressShare&) = delete;
+
+ private:
+  BRECOM& connection_;
+  BRECOM::Share before_;
 };
 
 }  // namespace brelant

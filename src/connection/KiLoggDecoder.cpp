@@ -122,16 +122,23 @@ KiLoggDecoder::Moment KiLoggDecoder::ReadMoment() {
 }
 
 KiLoggDecoder::Record KiLoggDecoder::ReadRecord() {
+  auto record = ReadHead();
+  const auto& start = record.start;
+  record.samples = ReadRing(start.state);
+  const auto lost = std::min(Overwritten(start), start.state.count);
+  record.samples.erase(record.samples.begin(), record.samples.begin() + lost);
+  return record;
+}
+
+/// What stands above the samples, before the long read, as it may be what cannot be had.
+KiLoggDecoder::Record KiLoggDecoder::ReadHead() {
+  // The samples are all that takes time.
+  const ProgressShare share(context_.connection, 0, 0);
   const auto start = ReadMoment();
-  // Before the long read, as it may be what cannot be had.
   static_cast<void>(NameOf(start.state.channel));
   const auto caseWord = Get("eaCaseChannel_" + std::to_string(start.state.channel));
   const auto part = context_.connection.Memory().PartNumber();
-  const auto serial = context_.connection.SerialNumberText();
-  auto samples = ReadRing(start.state);
-  const auto lost = std::min(Overwritten(start), start.state.count);
-  samples.erase(samples.begin(), samples.begin() + lost);
-  return {part, serial, start, caseWord, std::move(samples)};
+  return {part, context_.connection.SerialNumberText(), start, caseWord, {}};
 }
 
 /// The samples of that moment, the oldest first.

@@ -66,6 +66,7 @@ class KiLoggDecoder {
   State ReadState();
   Moment ReadMoment();
   Record ReadRecord();
+  Record ReadHead();
   std::vector<std::int32_t> ReadRing(const State& state);
   /// How many samples of that moment have been overwritten since, the oldest first.
   std::int32_t Overwritten(const Moment& start);

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <numeric>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -33,6 +34,8 @@ class KiBusUnit {
   std::vector<std::uint8_t> eeprom = std::vector<std::uint8_t>(8192);
   /// Hears and says nothing.
   bool isSilent = false;
+  /// Cells of EEPROM: a write that touches one is not carried out, and not answered.
+  std::set<std::size_t> refused;
   /// The frames that were whole and right, without their checksum.
   std::vector<Bytes> frames;
 
@@ -70,6 +73,8 @@ class KiBusUnit {
     const bool isEeprom = (command & 56) == 8;
     const auto cell = [&](std::size_t at) -> std::uint8_t& { return isEeprom ? eeprom.at(at) : ram.at(at); };
     Bytes reply{6};
+    const auto bad = refused.lower_bound(address);
+    if (command < 128 && isEeprom && bad != refused.end() && *bad < address + frame.size() - header) return;
     if (command >= 128) {
       for (std::size_t i = 0; i < command % 8U; ++i) reply.push_back(cell(address + i));
       reply.push_back(static_cast<std::uint8_t>(std::accumulate(reply.begin(), reply.end(), 0)));

@@ -54,6 +54,21 @@ TEST_P(MemoryBlockTest, TellsTheProgressOfTheWholeRun) {
   EXPECT_THAT(told, ElementsAre(25, 50, 75, 100));
 }
 
+TEST_P(MemoryBlockTest, TellsEachPercentageOnce) {
+  std::vector<int> told;
+  sens.onProgress = [&](int percent) { told.push_back(percent); };
+  Block(1024, 3000, SensorMemory::ram);
+  if (IsModbus()) {
+    // 12 times 125 registers
+    EXPECT_THAT(told, ElementsAre(8, 16, 25, 33, 41, 50, 58, 66, 75, 83, 91, 100));
+  } else {
+    // 750 frames
+    std::vector<int> all(101);
+    std::iota(all.begin(), all.end(), 0);
+    EXPECT_EQ(told, all);
+  }
+}
+
 TEST_P(MemoryBlockTest, ACancelOrAnAbortEndsItBetweenTwoTransfers) {
   for (const bool isAbort : {false, true}) {
     Forget();

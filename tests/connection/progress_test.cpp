@@ -59,6 +59,36 @@ TEST_P(ProgressTest, BeginsAnewWithTheNextAnnouncementAndEndsWithAWrite) {
   EXPECT_THAT(told, ElementsAre(50, 50, 100, 100));
 }
 
+TEST_P(ProgressTest, CanBeAPartOfSomethingLonger) {
+  const auto readHalves = [this] {
+    sens.Nodes().Announce({"eaCountPar_9", "eaCountPar_11"});
+    Get("eaCountPar_9");
+    Get("eaCountPar_11");
+  };
+  {
+    const ProgressShare share(sens, 20, 60);
+    readHalves();
+    {
+      const ProgressShare none(sens, 0, 0);
+      readHalves();
+    }
+    Get("eaSensorID_0");
+  }
+  readHalves();
+  EXPECT_THAT(told, ElementsAre(40, 60, 0, 0, 60, 50, 100));
+}
+
+TEST_P(ProgressTest, IsAWholeAgainAfterAPartThatFails) {
+  try {
+    const ProgressShare share(sens, 0, 0);
+    Get("eaNobody_0");
+    ADD_FAILURE();
+  } catch (const ConnectionError&) {
+    Get("eaSensorID_0");
+  }
+  EXPECT_THAT(told, ElementsAre(100));
+}
+
 class CancelTest : public test::BothRoadsTest {};
 
 TEST_P(CancelTest, LetsNothingBeginUntilItIsCleared) {
