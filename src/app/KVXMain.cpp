@@ -14,6 +14,8 @@
 #include "panels/frm61.h"
 #include "panels/platform61/transfers.h"
 #include "platform/machine_error.h"
+#include "safety/frm8Chart.h"
+#include "safety/frm8_2Chart.h"
 #include "safety/frmZ7731Chart.h"
 #include "shell/Common.h"
 
@@ -24,6 +26,9 @@ namespace {
 constexpr float kProbeSeconds = 2.0F;
 constexpr std::int32_t kWholeRam = 8;
 constexpr std::int32_t kWholeEeprom = 30;
+
+/// Found by its name only: it is not in the list of panels.
+constexpr const char* kUnlistedPanel = "frm8_2Chart";
 
 /// Which panel shows which sensors.
 struct PanelChoice {
@@ -36,7 +41,8 @@ struct PanelChoice {
 constexpr std::array kPanelChoices{
     PanelChoice{5, 0, 0, "frm5"},          PanelChoice{5, 1, 3, "frm5Chart"},
     PanelChoice{6, 0, 5, "frm6"},          PanelChoice{61, 0, 1, "frm61"},
-    PanelChoice{7, 1, 2, "frm61"},         PanelChoice{9, 1, 1, "frmZ7731Chart"},
+    PanelChoice{7, 1, 2, "frm61"},         PanelChoice{8, 1, 1, "frm8Chart"},
+    PanelChoice{8, 2, 2, kUnlistedPanel},  PanelChoice{9, 1, 1, "frmZ7731Chart"},
     PanelChoice{9, 3, 3, "frmZ7731Chart"}, PanelChoice{9, 5, 7, "frmZ7731Chart"},
 };
 
@@ -102,6 +108,7 @@ void KVXMain::FillPanelList() {
   panelList_.push_back({"frm5Chart", [this] { return std::make_unique<frm5Chart>(context_); }});
   panelList_.push_back({"frm6", [this] { return std::make_unique<frm6>(context_); }});
   panelList_.push_back({"frm61", [this] { return std::make_unique<frm61>(context_); }});
+  panelList_.push_back({"frm8Chart", [this] { return std::make_unique<frm8Chart>(context_); }});
   panelList_.push_back({"frmZ7731Chart", [this] { return std::make_unique<frmZ7731Chart>(context_); }});
 }
 
@@ -196,24 +203,33 @@ bool KVXMain::PreparePanel(bool simulated) {
   float variant = 0;
   if (!ReadSensor(simulated, variant)) return false;
   const auto* choice = ChoiceFor(context_.info.GetPlatform(), variant);
-  const auto entry = std::find_if(panelList_.begin(), panelList_.end(), [&](const PanelEntry& candidate) {
-    return choice != nullptr && candidate.name == choice->panel;
-  });
-  if (entry == panelList_.end()) {
+  if (choice == nullptr) {
     context_.session.LastError = kUnknownSensor;
     return false;
   }
-  panel_ = entry->make();
+  panel_ = MakePanel(choice->panel);
   context_.session.CurrentPanel = panel_.get();
   panel_->form.SetCaption(kApplication);
-  return panel_->FormUpdateInit() && panel_->FormUpdate();
+  if (panel_->FormUpdateInit() && panel_->FormUpdate()) return true;
+  panel_->LeaveSession();
+  return false;
+}
+
+std::unique_ptr<Panel> KVXMain::MakePanel(const std::string& name) {
+  if (name == kUnlistedPanel) return std::make_unique<frm8_2Chart>(context_);
+  const auto entry = std::find_if(panelList_.begin(), panelList_.end(),
+                                  [&](const PanelEntry& candidate) { return candidate.name == name; });
+  return entry->make();
 }
 
 /// The variant of what is attached, and what its panel needs before it can be filled.
 bool KVXMain::ReadSensor(bool simulated, float& variant) {
-  if (context_.info.GetPlatform() == kSafetySystem) {
+  const int platform = context_.info.GetPlatform();
+  if (IsReachedByName(platform) && !simulated) return ReadModel(variant);
+  // Without a unit there is nothing behind the names of platform 8.
+  if (platform == kSafetySystem) {
     variant = kAnyModel;
-    return simulated || ReadModel(variant);
+    return true;
   }
   if (!ReadImage(simulated)) return false;
   variant = context_.info.GetProductVariant();

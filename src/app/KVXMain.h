@@ -52,6 +52,7 @@ class KVXMain {
   void FillSimulationList();
   void PresetVega3();
   bool PreparePanel(bool simulated);
+  std::unique_ptr<Panel> MakePanel(const std::string& name);
   bool ReadSensor(bool simulated, float& variant);
   bool ReadModel(float& model);
   bool ReadImage(bool simulated);

@@ -55,7 +55,7 @@ bool SendFile::Send(const std::string& fileName) {
   // The platform comes from a byte that is fetched here.
   if (context_.info.GetPartNumber() == 0 && !context_.session.LastError.empty()) return false;
   const int platform = context_.info.GetPlatform();
-  if (platform == kSafetySystem) return SendByNames(fileName);
+  if (IsReachedByName(platform)) return SendByNames(fileName);
   if (!ReadSensor(platform)) return false;
   const float part = context_.image.RamImage[kPart];
   if (!context_.file.LoadSettings(fileName, 0)) return false;

@@ -14,6 +14,10 @@ bool SpeaksModbus(const frmComSet& dialog) {
   return dialog.optComProt[frmComSet::modBus].Value() == 1;
 }
 
+bool IsReachedByName(int platform) {
+  return platform == kPlatform8 || platform == kSafetySystem;
+}
+
 int IdForConnection(const frmComSet& dialog, const Session& session) {
   const bool isOnNetwork = dialog.optStartMode[frmComSet::networkSensor].Value() == 1;
   return isOnNetwork ? static_cast<int>(session.SensorId) : kOnlyUnit;

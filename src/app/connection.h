@@ -6,8 +6,11 @@
 
 namespace brelant {
 
-/// The platform of the safety system.
+/// Units with a tank or without, and the safety system.
+inline constexpr int kPlatform8 = 8;
 inline constexpr int kSafetySystem = 9;
+/// They are reached by names, not through the image (docs/architecture.md, The symbolic road).
+bool IsReachedByName(int platform);
 inline constexpr const char* kUnknownSensor = "Unknown sensor type, can't connect to sensor.";
 
 /// The protocol that the dialog chooses.

@@ -120,12 +120,17 @@ void PanelFrame::RunCommand() {
   }
   if (session.Over()) return;
   session.PanelCommand = 0;
+  TellLastError();
+  session.CancelPressed = false;
+  ShowProgress("", true);
+}
+
+void PanelFrame::TellLastError() {
+  auto& session = context_.session;
   const bool silent =
       session.LastError.empty() || session.LastError == kCancelled || session.LastError == kCancelSelected;
   if (!silent) context_.machine.userInterface.Tell(session.LastError);
   session.LastError.clear();
-  session.CancelPressed = false;
-  ShowProgress("", true);
 }
 
 bool PanelFrame::RunAction(int command) {
@@ -231,12 +236,12 @@ void PanelFrame::MakeEditable(Control& field, std::function<void()> check, std::
   };
 }
 
-void PanelFrame::MakeIdEditable(Control& field) {
+void PanelFrame::MakeIdEditable(Control& field, std::function<void()> store) {
   const auto limit = [&field] {
     constexpr float kHighestId = 29;
     field.SetText(NumberText(std::min(ParseNumber(field.Text()), kHighestId)));
   };
-  MakeEditable(field, limit, nullptr);
+  MakeEditable(field, limit, std::move(store));
 }
 
 void PanelFrame::PopUp(Control& label, const ControlArray& menu) {

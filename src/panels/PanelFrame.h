@@ -64,6 +64,7 @@ class PanelFrame : public Panel {
  public:
   enum Command {
     readSensor = 1,
+    updateForm = 2,
     writeSensor = 3,
     loadSettings = 4,
     saveSettings = 5,
@@ -80,6 +81,10 @@ class PanelFrame : public Panel {
     vavMin = 16,
     calibrateWeightEmpty = 17,
     calibrateWeightFull = 18,
+    loggerGetData = 19,
+    loggerCheckTime = 20,
+    loggerSetTime = 21,
+    loggerReset = 22,
     calibrateTemp2Zero = 23,
     exportLogger1 = 24,
     exportLogger2 = 25
@@ -156,11 +161,13 @@ class PanelFrame : public Panel {
   /// An answer of the user; nothing if it was cancelled or left empty.
   std::optional<std::string> Ask(const std::string& prompt, const std::string& title = {});
   void TellNoSensor();
+  /// Tells and clears LastError; a cancel is cleared only.
+  void TellLastError();
 
   /// Gives a field the edit rules. `check` runs first when the field is left, `store` after it.
   void MakeEditable(Control& field, std::function<void()> check, std::function<void()> store);
-  /// The bus ID: up to 29, and stored when the form is next taken.
-  void MakeIdEditable(Control& field);
+  /// The bus ID: up to 29, and stored when the form is next taken. `store` runs when the field is left.
+  void MakeIdEditable(Control& field, std::function<void()> store = nullptr);
 
   /// Pops up the visible entries of a menu; the choice, if there is one, becomes the text of the label.
   void PopUp(Control& label, const ControlArray& menu);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "shell/form.h"
@@ -27,9 +28,15 @@ class LevelField {
     if (!isEdited_) field_.SetText(text);
   }
 
+  /// Shows both the text that counts and one that is half typed in another unit.
+  void Convert(const std::function<std::string(const std::string&)>& converted) {
+    finished_ = converted(Text());
+    field_.SetText(isEdited_ ? converted(field_.Text()) : finished_);
+  }
+
+  /// With the first key, not with the focus alone, there is something that may not be overwritten.
   void EditBegins() {
     if (!isEdited_) finished_ = field_.Text();
-    isEdited_ = true;
   }
   /// Typing may go on after Enter, when the text has changed already.
   void Typed() { isEdited_ = true; }

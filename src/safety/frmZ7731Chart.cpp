@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "safety/frmZ7731Chart.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <chrono>
 #include <utility>
 
-#include "connection/connection_error.h"
 #include "panels/alarm_state.h"
 #include "safety/Functions.h"
 #include "safety/panel_plan.h"
@@ -22,25 +19,22 @@ namespace {
 using z7731::kAlarms;
 using z7731::kChannels;
 
-/// The system's colour of a button's face, which a window draws as its own.
-constexpr Colour kButtonFace = static_cast<Colour>(0x8000000FU);
-constexpr Colour kLampLit = 32768;
-constexpr Colour kWhite = 16777215;
 constexpr Colour kErrorBack = 65535;
-constexpr int kProgressPause = 5;
-constexpr int kDisplayModes = 16;
-
-/// The bit of RAM that tells whether temperature alarms are on.
-constexpr int kStateAddress = 383;
-constexpr int kTemperatureAlarmsMask = 128;
 
 constexpr int kUnitShift = 2;
 constexpr int kUnitMask = 7;
 constexpr int kHighByte = 256;
 constexpr int kLowByteMask = 255;
 
-PanelFrame::Frame FrameOfPanel() {
-  return {"Simulated", "BRELANT", "BRELANT Simulated mode", {"mOptions", "m_LoadSettings", "m_SaveSettins"}};
+UnitPanel::Layout LayoutOfPanel() {
+  std::vector<UnitPanel::Channel> channels;
+  for (const auto& place : kChannels) channels.push_back({place.field, place.name, place.caption});
+  return {z7731::kLiveFields,
+          z7731::kNames,
+          channels,
+          static_cast<int>(kAlarms.size()),
+          "mTempUnitFahrenheit",
+          {"mOptions", "m_LoadSettings", "m_SaveSettins"}};
 }
 
 std::string TextOf(double number) {
@@ -58,27 +52,10 @@ int UnitCode(std::int32_t caseWord) {
 }  // namespace
 
 frmZ7731Chart::frmZ7731Chart(const PanelContext& context)
-    : PanelFrame(context, "frmZ7731Chart", FrameOfPanel()),
-      txbSN(form.Add(ControlKind::text, "txbSN")),
-      txbID(form.Add(ControlKind::text, "txbID")),
-      lblDisplayMode(form.AddArray(ControlKind::label, "lblDisplayMode", snsZ7731::kPositions)),
-      txbKELActTempAenable(form.Add(ControlKind::text, "txbKELActTempAenable")),
-      cbxTWAonP0(form.Add(ControlKind::check, "cbxTWAonP0", "TWA drives output P0")),
-      picFlash(form.Add(ControlKind::lamp, "picFlash")),
-      lblCH_Name(form.AddArray(ControlKind::label, "lblCH_Name", z7731::kNames)),
-      lblCH_Type(form.AddArray(ControlKind::label, "lblCH_Type", z7731::kLiveFields)),
-      txbCHact(form.AddArray(ControlKind::text, "txbCHact", z7731::kLiveFields)),
-      txbStatus(form.AddArray(ControlKind::text, "txbStatus", kAlarms.size())),
-      txbKelLevel(form.AddArray(ControlKind::text, "txbKelLevel", kAlarms.size())),
-      lblFKelunit(form.AddArray(ControlKind::label, "lblFKelunit", kAlarms.size())),
+    : UnitPanel(context, "frmZ7731Chart", LayoutOfPanel()),
       alarmLabels(MakeAlarmLabels()),
       cbxKelrelay(form, "cbxKelrelay", unit_.Relay1, context.machine.userInterface),
       cbxKelrelay2(form, "cbxKelrelay2", unit_.Relay2, context.machine.userInterface),
-      mDisplayModes(form.AddMenu("", "mDisplayModes", "Display modes")),
-      mDisplayMode(form.AddArray(ControlKind::menu, "mDisplayMode", kDisplayModes)),
-      mTempUnit(form.AddMenu("", "mTempUnit", "Temperature unit")),
-      mTempUnitCelsius(form.AddMenu("mTempUnit", "mTempUnitCelsius", "C")),
-      mTempUnitFahrenheit(form.AddMenu("mTempUnit", "mTempUnitFahrenheit", "F")),
       m_Temp1(form.AddMenu("mCalibrate", "m_Temp1", "TEMP 1")),
       m_Temp2(form.AddMenu("mCalibrate", "m_Temp2", "TEMP 2")),
       m_CO2(form.AddMenu("mCalibrate", "m_CO2", "CO2")),
@@ -112,12 +89,9 @@ ControlArray frmZ7731Chart::MakeAlarmLabels() {
 }
 
 void frmZ7731Chart::SetMenus() {
-  for (auto* menu : {&mDisplayModes, &mTempUnit}) menu->SetVisible(false);
+  for (const int i : snsZ7731::AvailableChannels) mDisplayMode[i].SetVisible(true);
   for (int i = 0; i < kDisplayModes; ++i) {
-    const auto& available = snsZ7731::AvailableChannels;
-    mDisplayMode[i].parent = mDisplayModes.Name();
     mDisplayMode[i].SetText(TextOf(snsZ7731::DisplayModes.at(static_cast<std::size_t>(i))));
-    mDisplayMode[i].SetVisible(std::find(available.begin(), available.end(), i) != available.end());
   }
 }
 
@@ -162,43 +136,13 @@ void frmZ7731Chart::SetCommands() {
 }
 
 void frmZ7731Chart::SetRules() {
-  const auto never = [] { return false; };
-  txbSN.editable = txbID.editable = txbKELActTempAenable.editable = never;
-  for (auto* field : txbStatus) field->editable = never;
-  for (const auto* unused : {&lblCH_Name, &lblCH_Type, &txbCHact}) {
-    for (auto* control : *unused) control->SetVisible(false);
-  }
-  for (auto* field : txbCHact) {
-    field->editable = [this] { return Simulated(); };
-    MakeEditable(*field, nullptr, nullptr);
-  }
-  for (const auto& place : kChannels) {
-    lblCH_Name[place.name].SetText(place.caption);
-    for (auto* control : {&lblCH_Name[place.name], &lblCH_Type[place.field], &txbCHact[place.field]}) {
-      control->SetVisible(true);
-    }
-  }
-  for (int i = 0; i < txbKelLevel.Count(); ++i) MakeLevelEditable(i);
+  txbID.editable = [] { return false; };
   for (const int field : {z7731::temp1, z7731::temp2}) {
     lblCH_Type[field].onClick = [this] { ChooseTemperatureUnit(); };
   }
   for (int i = 0; i < lblDisplayMode.Count(); ++i) {
     lblDisplayMode[i].onClick = [this, i] { ChooseDisplay(i); };
   }
-  picFlash.SetBack(kButtonFace);
-}
-
-void frmZ7731Chart::MakeLevelEditable(int index) {
-  auto& field = txbKelLevel[index];
-  levels_.emplace_back(field);
-  const auto level = [this, index]() -> LevelField& { return levels_.at(static_cast<std::size_t>(index)); };
-  MakeEditable(
-      field, [level] { level().EditEnds(); }, [this] { StoreEdit(); });
-  field.onFocus = [level, enter = field.onFocus] {
-    level().EditBegins();
-    enter();
-  };
-  field.onChange = [level] { level().Typed(); };
 }
 
 std::vector<Control*> frmZ7731Chart::SensorCommands() const {
@@ -210,35 +154,16 @@ std::vector<Control*> frmZ7731Chart::SensorCommands() const {
 // Opening and closing
 
 bool frmZ7731Chart::FormUpdateInit() {
-  const auto& dialog = context_.comSet;
-  const bool isSimulated = dialog.optStartMode[frmComSet::simulatedMode].Value() == 1;
-  const bool isNetwork = dialog.optStartMode[frmComSet::networkSensor].Value() == 1;
-  const bool isModbus = dialog.optComProt[frmComSet::modBus].Value() == 1;
-  cbxSimulated.SetValue(isSimulated ? 1 : 0);
-  port_ = dialog.txbComPort.Text();
-  id_ = isNetwork ? static_cast<int>(ParseNumber(dialog.txbID.Text())) : kOnlyUnit;
+  const bool isModbus = context_.comSet.optComProt[frmComSet::modBus].Value() == 1;
+  TakeDialog();
   UpdatePeriod = StoredPeriod();
   unit_ = snsZ7731();
-  isKnown_ = false;
-  unit_.ProtocolInUse = isModbus || isSimulated ? snsZ7731::modbus : snsZ7731::kiBus;
-  if (isSimulated) {
+  unit_.ProtocolInUse = isModbus || Simulated() ? snsZ7731::modbus : snsZ7731::kiBus;
+  if (Simulated()) {
     FillSimulated();
     return true;
   }
-  sens_ = std::make_unique<BRECOM>(context_.connection);
-  sens_->onProgress = [this](int percent) { SENS_Progress(percent); };
-  calibration_ = std::make_unique<CalibrationLibrary>(CalibrationLibrary::Context{
-      *sens_, context_.machine.clock, context_.machine.pump, Functions::DisplayToRaw});
-  calibration_->onProgress = sens_->onProgress;
-  file_ = std::make_unique<BREFILE>(
-      BREFILE::Context{*sens_, context_.machine.files, context_.machine.userInterface});
-  file_->onAction = [this](const std::string& text) { FILE_Action(text); };
-  if (isModbus) sens_->SelectModbus(1);
-  return Try([this](BRECOM&) { Connect(); });
-}
-
-void frmZ7731Chart::Connect() {
-  sens_->ConnectSensor(port_, id_);
+  return Open(isModbus);
 }
 
 int frmZ7731Chart::StoredPeriod() const {
@@ -269,59 +194,7 @@ void frmZ7731Chart::FillSimulated() {
   cbxTWAonP0.SetValue(unit_.TWACentralUnit ? 1 : 0);
 }
 
-void frmZ7731Chart::LeaveSession() {
-  if (sens_) sens_->CloseConnection();
-}
-
-/// The library's own event: at each transfer the bar moves, Cancel is heard and the lamp flickers.
-void frmZ7731Chart::SENS_Progress(int percent) {
-  auto& session = context_.session;
-  session.BusProgress = static_cast<std::uint8_t>(percent);
-  if (session.CancelPressed) {
-    session.LastError = kCancelled;
-    sens_->Abort();
-  }
-  Sleep(kProgressPause);
-  picFlash.SetBack(picFlash.Back() == kButtonFace ? kLampLit : kButtonFace);
-}
-
-void frmZ7731Chart::Sleep(int milliseconds) {
-  auto& clock = context_.machine.clock;
-  const auto until = clock.Now() + std::chrono::milliseconds(milliseconds);
-  while (clock.Now() < until && !context_.session.Over()) context_.machine.pump.Wait(until);
-}
-
-BRECOM& frmZ7731Chart::Connection() {
-  if (!sens_) throw ConnectionError("There is no connection.");
-  return *sens_;
-}
-
-void frmZ7731Chart::TurnEnds() {
-  picFlash.SetBack(kButtonFace);
-}
-
-bool frmZ7731Chart::Try(const std::function<void(BRECOM&)>& work) {
-  try {
-    work(Connection());
-    return true;
-  } catch (const std::exception& error) {
-    // What a unit holds may also be a channel that does not exist.
-    context_.session.Fail(error.what());
-    return false;
-  }
-}
-
 // The live view
-
-bool frmZ7731Chart::Poll() {
-  if (!FormUpdate()) {
-    context_.session.LastError = "Communication error";
-    return false;
-  }
-  // Settings that could not be read when the session began.
-  if (!isKnown_) GetAllStaticValues(true);
-  return true;
-}
 
 bool frmZ7731Chart::FormUpdate() {
   if (Simulated()) return true;
@@ -351,40 +224,6 @@ void frmZ7731Chart::ShowAlarms() {
     if (channel.Status == 0) continue;
     field.SetText("ERR");
     field.SetBack(kErrorBack);
-  }
-}
-
-void frmZ7731Chart::ShowStateLine(BRECOM& connection) {
-  const bool isOn =
-      connection.Memory().ReadBytes(kStateAddress, 1, SensorMemory::ram, kTemperatureAlarmsMask) == 1;
-  txbKELActTempAenable.SetText(isOn ? "Enabled" : "Disabled");
-  txbKELActTempAenable.SetFore(isOn ? colours::kLive : colours::kFault);
-}
-
-void frmZ7731Chart::LosesSensor() {
-  LeaveSession();
-  PanelFrame::LosesSensor();
-}
-
-void frmZ7731Chart::SimMode(bool on) {
-  PanelFrame::SimMode(on);
-  if (on) {
-    txbKELActTempAenable.SetFore(kWhite);
-    return;
-  }
-  WhenFree([this] {
-    // After a lost link the unit is connected as it was the first time.
-    const bool isThere = sens_ && (sens_->Connected() || Try([this](BRECOM&) { Connect(); }));
-    if (isThere) GetAllStaticValues(true);
-    context_.session.CancelPressed = false;
-  });
-}
-
-void frmZ7731Chart::Simulate() {
-  for (const auto& compared : z7731::kComparisons) {
-    const float value = ParseNumber(txbCHact[compared.value].Text());
-    const float level = ParseNumber(txbKelLevel[compared.level].Text());
-    ShowAlarm(txbStatus[compared.status], compared.isBelow ? value <= level : value >= level);
   }
 }
 
@@ -422,10 +261,10 @@ bool frmZ7731Chart::ReadSettings(bool fromSensor, const Choices& sent) {
     // What the user has chosen meanwhile stays, to be sent with the next edit.
     const auto chosen = ChoicesOfForm();
     unit_ = unit;
-    if (isKnown_) KeepChanges(sent, chosen);
+    if (IsKnown()) KeepChanges(sent, chosen);
     modelCode_ = identity.modelCode;
     txbSN.SetText(identity.serialNumber);
-    isKnown_ = true;
+    SettingsAreKnown();
     ShowSettings();
   });
 }
@@ -444,7 +283,7 @@ void frmZ7731Chart::KeepChanges(const Choices& before, const Choices& now) {
 void frmZ7731Chart::ShowSettings() {
   ShowPresence();
   ShowUnits();
-  for (std::size_t i = 0; i < levels_.size(); ++i) levels_.at(i).Show(LevelText(static_cast<int>(i)));
+  for (int i = 0; i < txbKelLevel.Count(); ++i) Level(i).Show(LevelText(i));
   for (auto* boxes : {&cbxKelrelay, &cbxKelrelay2}) boxes->Show();
   ShowSequence();
   cbxTWAonP0.SetValue(unit_.TWACentralUnit ? 1 : 0);
@@ -500,9 +339,9 @@ void frmZ7731Chart::ShowSequence() {
 // All settings, to the unit
 
 bool frmZ7731Chart::WriteToSensor(const std::string& name, float value, bool toSensor) {
-  return sens_ && WriteVerified(*sens_, name, value, toSensor, [this] {
+  return HasConnection() && WriteVerified(Connection(), name, value, toSensor, [this] {
            const auto& session = context_.session;
-           if (session.CancelPressed || session.Over() || !sens_->Connected()) return true;
+           if (session.CancelPressed || session.Over() || !Connection().Connected()) return true;
            // From now on it may take long, so there is a box with a Cancel button.
            ShowProgress("Sending to sensor", false);
            return false;
@@ -511,18 +350,13 @@ bool frmZ7731Chart::WriteToSensor(const std::string& name, float value, bool toS
 
 bool frmZ7731Chart::FormRead(bool toSensor) {
   if (Simulated()) return true;
-  if (!isKnown_) {
-    TakeLevels();
-    context_.session.Fail("The settings of the unit have not been read.");
-    return false;
-  }
-  return SendFields(toSensor);
+  return RequireKnown() && SendFields(toSensor);
 }
 
 /// The raw value of a level as it stands in its field.
 std::int32_t frmZ7731Chart::RawLevel(int index) {
   const auto& alarm = kAlarms.at(static_cast<std::size_t>(index));
-  auto& level = levels_.at(static_cast<std::size_t>(index));
+  auto& level = Level(index);
   const auto raw = Functions::DisplayToRaw(ParseNumber(level.Text()), (unit_.*alarm.channel).Case());
   if (alarm.channel != &snsZ7731::Weight) return raw;
   // The user sees the level above the offset and cannot go below it.
@@ -584,36 +418,18 @@ bool frmZ7731Chart::SendFields(bool toSensor) {
   return false;
 }
 
-/// A finished edit goes to the unit at once and is read back. Edits that end while the line is in use are
-/// sent together.
-void frmZ7731Chart::StoreEdit() {
-  if (Simulated()) return TakeLevels();
-  if (storeAwaits_) return;
-  storeAwaits_ = true;
-  WhenFree([this] {
-    storeAwaits_ = false;
-    form.SetBusy(true);
-    const auto sent = ChoicesOfForm();
-    FormRead(true);
-    // A Cancel was for the sending: the fields show what the unit holds.
-    context_.session.CancelPressed = false;
-    ReadSettings(true, sent);
-    ShowProgress("", true);
-    context_.session.CancelPressed = false;
-  });
-}
-
-void frmZ7731Chart::TakeLevels() {
-  for (auto& level : levels_) level.Taken();
+void frmZ7731Chart::SendAndReadBack() {
+  const auto sent = ChoicesOfForm();
+  SendEdit();
+  ReadSettings(true, sent);
 }
 
 // Choices
 
 void frmZ7731Chart::ChooseTemperatureUnit() {
-  const auto choice =
-      context_.machine.userInterface.PopupMenu({mTempUnitCelsius.Text(), mTempUnitFahrenheit.Text()});
-  if (!choice) return;
-  const auto unitBits = *choice == 0 ? Functions::kCelsiusBits : Functions::kFahrenheitBits;
+  const auto isFahrenheit = AskForFahrenheit();
+  if (!isFahrenheit) return;
+  const auto unitBits = *isFahrenheit ? Functions::kFahrenheitBits : Functions::kCelsiusBits;
   WhenFree([this, unitBits] { SetTemperatureUnit(unitBits); });
 }
 
@@ -666,24 +482,16 @@ void frmZ7731Chart::ConvertTemperatures(const std::string& formerUnit) {
     for (const int field : {z7731::temp1, z7731::temp2}) {
       txbCHact[field].SetText(converted(txbCHact[field].Text()));
     }
-    for (const std::size_t level : {3, 4, 7, 8})
-      levels_.at(level).Correct(converted(levels_.at(level).Text()));
+    for (const int level : {3, 4, 7, 8}) Level(level).Convert(converted);
   }
   ShowUnits();
   ShowSequence();
 }
 
 void frmZ7731Chart::ChooseDisplay(int position) {
-  std::vector<int> channels;
-  std::vector<std::string> captions;
-  for (int i = 0; i < mDisplayMode.Count(); ++i) {
-    if (!mDisplayMode[i].Visible()) continue;
-    channels.push_back(i);
-    captions.push_back(mDisplayMode[i].Text());
-  }
-  const auto choice = context_.machine.userInterface.PopupMenu(captions);
-  if (!choice) return;
-  unit_.SetDisplayMode(position, channels.at(*choice));
+  const auto channel = AskForDisplayMode();
+  if (!channel) return;
+  unit_.SetDisplayMode(position, *channel);
   lblDisplayMode[position].SetText(unit_.GetDisplayMode(position));
 }
 

@@ -2,18 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "connection/BRECOM.h"
-#include "connection/BREFILE.h"
-#include "connection/CalibrationLibrary.h"
-#include "panels/PanelFrame.h"
-#include "safety/LevelField.h"
 #include "safety/RelayBoxes.h"
+#include "safety/UnitPanel.h"
 #include "safety/frmZ7731ABC.h"
 #include "safety/frmZ7731About.h"
 #include "safety/frmZ7731Logger.h"
@@ -26,7 +19,7 @@ namespace brelant {
 /// The panel of the safety system: five channels with their alarms, levels and relays. Its fields are a view
 /// of the unit itself, which it reaches by names (docs/architecture.md, The safety panel). Which index of a
 /// field means what stands in safety/panel_plan.h.
-class frmZ7731Chart : public PanelFrame {
+class frmZ7731Chart : public UnitPanel {
  public:
   /// Seconds from poll to poll where the user has not chosen them.
   static constexpr int kUsualPeriod = 2;
@@ -36,25 +29,17 @@ class frmZ7731Chart : public PanelFrame {
   bool FormUpdateInit() override;
   /// Reads and shows values, alarms and the state line. True without a unit.
   bool FormUpdate() override;
-  /// What the end of a session calls: nothing is sent then.
-  bool FormRead() override { return true; }
-  /// Sends every setting, each verified. False: some were not taken, which the user has been told, or there
-  /// is nothing that may be sent.
-  bool FormRead(bool toSensor);
+  using UnitPanel::FormRead;
+  /// Each setting is verified. False: some were not taken, which the user has been told, or there is nothing
+  /// that may be sent.
+  bool FormRead(bool toSensor) override;
   /// Reads every setting into the fields.
   bool GetAllStaticValues(bool fromSensor);
   /// Writes a parameter and reads it back. False: the unit has not taken it.
   bool WriteToSensor(const std::string& name, float value, bool toSensor);
-  void SimMode(bool on) override;
-  void Simulate() override;
-  void LeaveSession() override;
   std::vector<LiveValue> LiveValues() const override;
   std::vector<Alarm> Alarms() const override;
 
-  bool ActionSensorRead() override;
-  bool ActionSensorWrite() override;
-  bool ActionSettingsLoad() override;
-  bool ActionSettingsSave() override;
   bool ActionCalTempZero();
   bool ActionCalTemp2Zero();
   /// Any mode but 0 does nothing.
@@ -67,18 +52,6 @@ class frmZ7731Chart : public PanelFrame {
   /// Seconds from poll to poll; counts at once.
   int UpdatePeriod = kUsualPeriod;
 
-  Control& txbSN;
-  Control& txbID;
-  ControlArray lblDisplayMode;
-  Control& txbKELActTempAenable;
-  Control& cbxTWAonP0;
-  Control& picFlash;
-  ControlArray lblCH_Name;
-  ControlArray lblCH_Type;
-  ControlArray txbCHact;
-  ControlArray txbStatus;
-  ControlArray txbKelLevel;
-  ControlArray lblFKelunit;
   /// What each alarm is, by the index of its state.
   ControlArray alarmLabels;
 
@@ -89,12 +62,6 @@ class frmZ7731Chart : public PanelFrame {
  public:
   RelayBoxes cbxKelrelay;
   RelayBoxes cbxKelrelay2;
-
-  Control& mDisplayModes;
-  ControlArray mDisplayMode;
-  Control& mTempUnit;
-  Control& mTempUnitCelsius;
-  Control& mTempUnitFahrenheit;
 
   Control& m_Temp1;
   Control& m_Temp2;
@@ -118,13 +85,13 @@ class frmZ7731Chart : public PanelFrame {
   frmZ7731About About;
 
  protected:
-  bool Poll() override;
-  void LosesSensor() override;
-  const ControlArray& LiveFields() const override { return txbCHact; }
+  bool UpdateLive() override { return FormUpdate(); }
+  bool UpdateSettings() override { return GetAllStaticValues(true); }
+  void SendAndReadBack() override;
+  void MarkForSave() override;
   std::vector<Control*> SensorCommands() const override;
   bool RunAction(int command) override;
   double PollPeriod() const override { return UpdatePeriod; }
-  void TurnEnds() override;
   std::string HelpPage() const override { return "Support\\help9.html"; }
 
  private:
@@ -133,22 +100,12 @@ class frmZ7731Chart : public PanelFrame {
   void SetMenus();
   void SetCommands();
   void SetRules();
-  void MakeLevelEditable(int index);
 
   int StoredPeriod() const;
-  void Connect();
   void FillSimulated();
-  void SENS_Progress(int percent);
-  void FILE_Action(const std::string& text);
-  /// Waits, and lets events happen meanwhile.
-  void Sleep(int milliseconds);
-  BRECOM& Connection();
-  /// Runs what uses the connection; its failure goes to LastError.
-  bool Try(const std::function<void(BRECOM&)>& work);
 
   void ShowValues();
   void ShowAlarms();
-  void ShowStateLine(BRECOM& connection);
   void ShowPresence();
   void ShowUnits();
   void ShowSettings();
@@ -166,32 +123,16 @@ class frmZ7731Chart : public PanelFrame {
   /// GetAllStaticValues after a sending of these choices.
   bool ReadSettings(bool fromSensor, const Choices& sent);
   void KeepChanges(const Choices& before, const Choices& now);
-  void TakeLevels();
 
   bool SendFields(bool toSensor);
   std::int32_t RawLevel(int index);
-  void StoreEdit();
   void ChooseTemperatureUnit();
   void SetTemperatureUnit(std::int32_t unitBits);
   void SendCases(BRECOM& connection, std::int32_t first, std::int32_t second);
   void ConvertTemperatures(const std::string& formerUnit);
   void ChooseDisplay(int position);
-  void MarkForSave();
-  bool Confirmed(const std::string& question);
-  struct TankCalibration;
-  bool CalibrateTank(const TankCalibration& calibration);
 
   int modelCode_ = 0;
-  /// The settings of the unit have been read whole: without that nothing of the form may be sent.
-  bool isKnown_ = false;
-  bool storeAwaits_ = false;
-  std::unique_ptr<BRECOM> sens_;
-  /// Both work on `sens_`.
-  std::unique_ptr<CalibrationLibrary> calibration_;
-  std::unique_ptr<BREFILE> file_;
-  std::string port_;
-  int id_ = kOnlyUnit;
-  std::vector<LevelField> levels_;
 };
 
 }  // namespace brelant

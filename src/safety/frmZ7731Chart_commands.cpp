@@ -16,25 +16,11 @@ namespace brelant {
 
 namespace {
 
-constexpr int kWholeBar = 100;
-constexpr std::size_t kPartAddress = 65;
-
 constexpr const char* kCorrectTemperature = "Please enter correct temperature";
-constexpr const char* kTankNode = "raGenStat_8";
-constexpr int kTankPause = 5000;
-
-constexpr std::int32_t kWholeByte = 255;
-constexpr std::int32_t kWholeWord = -1;
 /// Bytes that belong to the settings and have no name.
 constexpr std::array kMarkedBytes{7124, 7125};
 
 }  // namespace
-
-struct frmZ7731Chart::TankCalibration {
-  const char* question;
-  std::int32_t command;
-  const char* completed;
-};
 
 bool frmZ7731Chart::RunAction(int command) {
   switch (command) {
@@ -55,30 +41,6 @@ bool frmZ7731Chart::RunAction(int command) {
     default:
       return PanelFrame::RunAction(command);
   }
-}
-
-bool frmZ7731Chart::ActionSensorRead() {
-  ShowProgress("Reading from sensor", false);
-  const bool isPrepared = Try([this](BRECOM& connection) {
-    const bool isOnNetwork = unit_.ProtocolInUse == snsZ7731::kiBus && id_ != kOnlyUnit;
-    context_.com.ClearImage(static_cast<std::uint8_t>(isOnNetwork ? id_ : static_cast<int>(kBroadcastId)));
-    context_.session.BusProgress = kWholeBar;
-    // What the image tells of the product, which nothing else can ask for while the connection has the line.
-    context_.image.RamImage.at(kPartAddress) = connection.Memory().PartNumber();
-    context_.image.RamValid.at(kPartAddress) = true;
-  });
-  return isPrepared && GetAllStaticValues(true);
-}
-
-bool frmZ7731Chart::ActionSensorWrite() {
-  ShowProgress("Sending to sensor", false);
-  return FormRead(true);
-}
-
-// Settings files
-
-void frmZ7731Chart::FILE_Action(const std::string& text) {
-  ShowProgress(text, false);
 }
 
 /// What a settings file holds, in the order in which it holds it.
@@ -107,48 +69,13 @@ void frmZ7731Chart::MarkForSave() {
   }
 }
 
-bool frmZ7731Chart::ActionSettingsSave() {
-  return Try([this](BRECOM&) {
-    MarkForSave();
-    ShowProgress("Saving settings", false);
-    // What the fields hold goes to the unit first.
-    if (!FormRead(true)) return;
-    if (file_->ChooseForSave("")) file_->Write();
-  });
-}
-
-bool frmZ7731Chart::ActionSettingsLoad() {
-  bool isChosen = false;
-  const bool done = Try([&](BRECOM&) {
-    isChosen = file_->Read("");
-    if (!isChosen) return;
-    ShowProgress("Loading settings", false);
-    // The fields count again when they were read back, as some of the file may have been sent.
-    isKnown_ = false;
-    file_->Send();
-  });
-  if (!isChosen) return done;
-  context_.session.CancelPressed = false;
-  return GetAllStaticValues(true) && FormUpdate() && done;
-}
-
 // Calibrations
-
-bool frmZ7731Chart::Confirmed(const std::string& question) {
-  const auto reply = context_.machine.userInterface.MessageBox(question, UserInterface::Buttons::yesNo, "",
-                                                               UserInterface::Icon::none);
-  return reply == UserInterface::Reply::yes;
-}
 
 bool frmZ7731Chart::ActionCalTempZero() {
   const auto answer = Ask(kCorrectTemperature, "Temperature 1");
   if (!answer) return false;
-  ShowProgress("Calibrating temperature 1", false);
-  return Try([&](BRECOM&) {
-    auto& procedure = calibration_->Procedure("cpSpaceTempOffsetAdjust");
-    procedure.Values().Item("cvSpaceTempOffsetAdjustCorrectTemp").Text = *answer;
-    procedure.Run();
-  });
+  return Calibrate("Calibrating temperature 1", "cpSpaceTempOffsetAdjust",
+                   "cvSpaceTempOffsetAdjustCorrectTemp", *answer);
 }
 
 bool frmZ7731Chart::ActionCalTemp2Zero() {
@@ -168,34 +95,24 @@ bool frmZ7731Chart::ActionCalTemp2Zero() {
 
 bool frmZ7731Chart::ActionCalCO2Zero(int mode) {
   if (mode != 0 || !Confirmed("Zero calibrate CO2?")) return false;
-  ShowProgress("Calibrating CO2 zero point", false);
-  return Try([this](BRECOM&) { calibration_->Procedure("cpCO2ZeroCal").Run(); });
+  return Calibrate("Calibrating CO2 zero point", "cpCO2ZeroCal");
 }
 
 bool frmZ7731Chart::ActionCalWeightE() {
-  return CalibrateTank({"Start empty tank calibration?", 1, "Empty tank calibration completed"});
+  return CalibrateEmptyTank();
 }
 
 bool frmZ7731Chart::ActionCalWeightF() {
-  return CalibrateTank({"Start full tank calibration?", 2, "Full tank calibration completed"});
-}
-
-bool frmZ7731Chart::CalibrateTank(const TankCalibration& calibration) {
-  if (!Confirmed(calibration.question)) return true;
-  return Try([&](BRECOM& connection) {
-    connection.Nodes().FindNode(kTankNode, "").SetValue(true, calibration.command);
-    Sleep(kTankPause);
-    if (connection.Nodes().FindNode(kTankNode, "").GetValue(true) != 0) {
-      throw ConnectionError("Calibration error");
-    }
-    context_.machine.userInterface.Tell(calibration.completed);
-  });
+  return CalibrateFullTank();
 }
 
 // Loggers
 
 /// The two are numbered the other way round by the decoder.
 bool frmZ7731Chart::ActionLoggerGetData(int logger) {
+  // It takes long enough for a bar, which would begin with what the last transfer left.
+  context_.session.BusProgress = 0;
+  ShowProgress("Please wait", false);
   return Try([&](BRECOM& connection) {
     const auto& clock = context_.machine.clock;
     KiLoggDecoder decoder({connection, context_.machine.files, context_.machine.userInterface,

@@ -61,24 +61,6 @@ inline constexpr std::array<AlarmPlace, 9> kAlarms{{
      "lblTemp2AlarmHigh"},
 }};
 
-/// What the offline model compares: ALARM at or below the level, or at or above it. The two of temperature 2
-/// cross, as required.
-struct Comparison {
-  int status;
-  int level;
-  Value value;
-  bool isBelow;
-};
-inline constexpr std::array<Comparison, 9> kComparisons{{{0, 0, co2, false},
-                                                         {1, 1, co2, false},
-                                                         {2, 2, twa, false},
-                                                         {3, 3, temp1, true},
-                                                         {4, 4, temp1, false},
-                                                         {7, 8, temp2, true},
-                                                         {8, 7, temp2, false},
-                                                         {5, 5, weight, true},
-                                                         {6, 6, weight, true}}};
-
 /// What a unit without hardware shows at first.
 struct SimulatedText {
   int index;

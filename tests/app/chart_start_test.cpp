@@ -66,7 +66,7 @@ TEST_F(ChartStartTest, ThePanelListHoldsThePanelsInOrder) {
     program.session.CurrentPanel->form.Close();
   });
   bench.Run();
-  EXPECT_THAT(names, ElementsAre("frm5", "frm5Chart", "frm6", "frm61", "frmZ7731Chart"));
+  EXPECT_THAT(names, ElementsAre("frm5", "frm5Chart", "frm6", "frm61", "frm8Chart", "frmZ7731Chart"));
 }
 
 TEST_F(ChartStartTest, ShowsTheLivePanelAndPolls) {

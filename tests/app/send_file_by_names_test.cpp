@@ -15,6 +15,11 @@ using testing::IsEmpty;
 constexpr const char* kFile = "C:\\Files\\a.set";
 constexpr const char* kOtherSensor = "This setfile can't be used on this sensor";
 
+enum class Unit { kiBus, modbus, platform8 };
+
+constexpr int kPart8 = 40;
+constexpr int kModel8 = 2;
+
 /// The example of docs/files.md: part 154, model 3, eaSensorID_0 is 7 and EEPROM 7124 is 5.
 Bytes Example() {
   return {1,   247, 8,   49, 0,   3,   0,   0,   0,   0,   0,   0,   0,   0,   0,   0, 0,  //
@@ -23,9 +28,8 @@ Bytes Example() {
           '_', '0', 255, 0,  0,   0,   7,   0,   0,   0,                                   //
           32,  0,   7,   0,  1,   212, 27,  1,   0,   255, 5};
 }
-/// The same of another part number or model, with its checksum.
-Bytes Changed(std::size_t at, std::uint8_t byte) {
-  auto file = Example();
+/// The file with another part number (at 21) or model (at 26), and its checksum.
+Bytes Changed(Bytes file, std::size_t at, std::uint8_t byte) {
   const int sum = file[1] + file[2] * 256 + byte - file[at];
   file[at] = byte;
   file[1] = static_cast<std::uint8_t>(sum & 255);
@@ -33,16 +37,24 @@ Bytes Changed(std::size_t at, std::uint8_t byte) {
   return file;
 }
 
-enum class Road { kiBus, modbus };
+/// The same for that unit.
+Bytes FileFor(Unit unit) {
+  if (unit != Unit::platform8) return Example();
+  return Changed(Changed(Example(), 21, kPart8), 26, kModel8);
+}
 
-/// The program before a central unit that hears one of the roads. Its ID is 1 and E7124 is 0.
-class UnitRoad : public test::FactoryBench {
+/// The program before a central unit that hears one of the roads, or before a unit of platform 8. Its ID is 1
+/// and E7124 is 0.
+class UnitBench : public test::FactoryBench {
  public:
-  explicit UnitRoad(Road road) : FactoryBench(154), road_(road) {
+  explicit UnitBench(Unit kind)
+      : FactoryBench(kind == Unit::platform8 ? kPart8 : 154,
+                     kind == Unit::platform8 ? std::optional(kModel8) : std::nullopt),
+        kind_(kind) {
     port.sensor.Eeprom()[4160] = 1;
     port.sensor.Eeprom()[7124] = 0;
-    files.Put(kFile, Example());
-    if (road == Road::kiBus) return;
+    files.Put(kFile, FileFor(kind));
+    if (kind != Unit::modbus) return;
     Store("Prot", "ModBus");
     port.onOutput = [this](const Bytes& bytes) { deaf.insert(deaf.end(), bytes.begin(), bytes.end()); };
     const auto ram = port.sensor.Ram();
@@ -61,7 +73,7 @@ class UnitRoad : public test::FactoryBench {
   }
 
   int Byte(std::size_t address) {
-    if (road_ == Road::kiBus) return port.sensor.Eeprom()[address];
+    if (kind_ != Unit::modbus) return port.sensor.Eeprom()[address];
     const int word = modbus.units.at(1).holding.at(8192 + static_cast<int>(address) / 2);
     return address % 2 == 0 ? word >> 8 : word & 255;
   }
@@ -79,10 +91,10 @@ class UnitRoad : public test::FactoryBench {
   Bytes deaf;
 
  private:
-  Road road_;
+  Unit kind_;
 };
 
-class SendByNamesTest : public testing::TestWithParam<Road> {
+class SendByNamesTest : public testing::TestWithParam<Unit> {
  protected:
   void ExpectRefused(const std::string& text) {
     EXPECT_THAT(bench.ui.Texts(), ElementsAre(HasSubstr(text)));
@@ -94,22 +106,28 @@ class SendByNamesTest : public testing::TestWithParam<Road> {
     EXPECT_FALSE(bench.modbus.IsOpen());
   }
 
-  UnitRoad bench{GetParam()};
+  UnitBench bench{GetParam()};
 };
-INSTANTIATE_TEST_SUITE_P(, SendByNamesTest, testing::Values(Road::kiBus, Road::modbus),
-                         [](const auto& road) { return road.param == Road::kiBus ? "KiBus" : "Modbus"; });
+INSTANTIATE_TEST_SUITE_P(, SendByNamesTest, testing::Values(Unit::kiBus, Unit::modbus, Unit::platform8),
+                         [](const auto& unit) {
+                           return unit.param == Unit::platform8 ? "Platform8"
+                                  : unit.param == Unit::modbus  ? "Modbus"
+                                                                : "KiBus";
+                         });
 
 TEST_P(SendByNamesTest, TheFileGoesToTheUnit) {
   bench.Send(kFile);
   EXPECT_THAT(bench.ui.Texts(), IsEmpty());
   EXPECT_EQ(bench.Byte(4160), 7);
   EXPECT_EQ(bench.Byte(7124), 5);
-  if (GetParam() == Road::kiBus) {
+  if (GetParam() != Unit::modbus) {
     // E4160 and E7124
     const std::vector<Bytes> written{test::Framed({9, 16, 64, 7}), test::Framed({9, 27, 212, 5})};
     EXPECT_EQ(bench.Written(), written);
   }
-  EXPECT_EQ(bench.CountShown("frmZ7731Chart"), 0);
+  for (const auto* panel : {"frmZ7731Chart", "frm8Chart", "frm8_2Chart"}) {
+    EXPECT_EQ(bench.CountShown(panel), 0);
+  }
   EXPECT_FALSE(bench.program->msg.Visible());
   EXPECT_FALSE(bench.port.PortOpen());
   EXPECT_FALSE(bench.modbus.IsOpen());
@@ -144,11 +162,11 @@ TEST_P(SendByNamesTest, ShowsWhatItDoesInFrontOfTheDialog) {
 }
 
 TEST_P(SendByNamesTest, AFileOfAnotherModelOrPlatformIsRefused) {
-  bench.files.Put(kFile, Changed(26, 5));
+  bench.files.Put(kFile, Changed(FileFor(GetParam()), 26, GetParam() == Unit::platform8 ? 1 : 5));
   bench.Send(kFile);
   ExpectRefused(kOtherSensor);
-  UnitRoad other(GetParam());
-  other.files.Put(kFile, Changed(21, 40));
+  UnitBench other(GetParam());
+  other.files.Put(kFile, Changed(FileFor(GetParam()), 21, GetParam() == Unit::platform8 ? 154 : kPart8));
   other.Send(kFile);
   EXPECT_THAT(other.ui.Texts(), ElementsAre(kOtherSensor));
   EXPECT_THAT(other.Writes(), IsEmpty());
@@ -161,7 +179,7 @@ TEST_P(SendByNamesTest, AFileOfBlocksIsRefused) {
 }
 
 TEST_P(SendByNamesTest, ADamagedFileIsRefused) {
-  auto file = Example();
+  auto file = FileFor(GetParam());
   file.back() ^= 1;
   bench.files.Put(kFile, file);
   bench.Send(kFile);
@@ -183,7 +201,7 @@ TEST_P(SendByNamesTest, ATypedNameSendsNothingAndTellsNothing) {
   EXPECT_THAT(bench.Writes(), IsEmpty());
   EXPECT_EQ(bench.Byte(4160), 1);
   EXPECT_FALSE(bench.program->msg.Visible());
-  if (GetParam() == Road::kiBus) {
+  if (GetParam() != Unit::modbus) {
     EXPECT_THAT(bench.port.Events(), IsEmpty());
   }
 }
@@ -222,21 +240,23 @@ TEST_P(SendByNamesTest, ASilentUnitIsTold) {
 }
 
 TEST(SendByNames, TheNetworkIdOfTheDialogIsTaken) {
-  UnitRoad bench(Road::kiBus);
-  bench.port.sensor.SetId(9);
-  bench.When("frmComSet", [&] {
-    bench.Click("frmComSet", "optStartMode(1)");
-    bench.Control("frmComSet", "txbID").SetText("9");
-    bench.ui.chosenFiles = {kFile};
-    bench.Click("frmComSet", "Command5");
-    bench.PressSend();
-  });
-  bench.Run();
-  EXPECT_THAT(bench.ui.Texts(), IsEmpty());
-  EXPECT_EQ(bench.Byte(4160), 7);
-  // 224 and the ID
-  EXPECT_THAT(bench.port.Sent(), Contains(233));
-  EXPECT_THAT(bench.port.Sent(), testing::Not(Contains(254)));
+  for (const auto unit : {Unit::kiBus, Unit::platform8}) {
+    UnitBench bench(unit);
+    bench.port.sensor.SetId(9);
+    bench.When("frmComSet", [&] {
+      bench.Click("frmComSet", "optStartMode(1)");
+      bench.Control("frmComSet", "txbID").SetText("9");
+      bench.ui.chosenFiles = {kFile};
+      bench.Click("frmComSet", "Command5");
+      bench.PressSend();
+    });
+    bench.Run();
+    EXPECT_THAT(bench.ui.Texts(), IsEmpty());
+    EXPECT_EQ(bench.Byte(4160), 7);
+    // 224 and the ID
+    EXPECT_THAT(bench.port.Sent(), Contains(233));
+    EXPECT_THAT(bench.port.Sent(), testing::Not(Contains(254)));
+  }
 }
 
 }  // namespace

@@ -476,7 +476,7 @@ class SendFileToAVoiceTest : public testing::TestWithParam<int> {
   test::ProgramBench<test::ScriptedPort> bench;
   Bytes heard;
 };
-INSTANTIATE_TEST_SUITE_P(, SendFileToAVoiceTest, testing::Values(50, 40, 64, 26));
+INSTANTIATE_TEST_SUITE_P(, SendFileToAVoiceTest, testing::Values(50, 64, 26));
 
 TEST_P(SendFileToAVoiceTest, IsRefused) {
   bench.files.Put(kFile, SettingsFile5(FileRam5()));

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include <algorithm>
+#include <optional>
 #include <set>
 
 #include "safety/dialog_fixture.h"
@@ -10,9 +12,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::Click;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 constexpr const char* kName = "C:\\Files\\log.txt";
@@ -163,24 +163,6 @@ TEST_F(ExportTest, AFailureIsToldByTheLoopAndLeavesNoFile) {
   EXPECT_EQ(panel.cbxSimulated.Value(), 0);
 }
 
-TEST_F(ExportTest, CancelInTheMiddleLeavesNoFileAndTellsNothing) {
-  PutLogger(0, std::vector<int>(1500, 2150));
-  PutWord(unit.ram, 340, 0);
-  StartOnKiBus();
-  ground.ui.chosenFiles.push_back(kName);
-  After(milliseconds(2500), [this] {
-    EXPECT_TRUE(ground.msg.Visible());
-    EXPECT_TRUE(Click(ground.msg.Command1));
-  });
-  Command(panel.m_ExportLogger1, seconds(8));
-  EXPECT_FALSE(ground.files.Exists(kName));
-  EXPECT_THAT(Told(), IsEmpty());
-  EXPECT_FALSE(session.CancelPressed);
-  const auto frames = Frames();
-  EXPECT_THAT(frames, Not(testing::Contains("R4018+6")));
-  EXPECT_EQ(frames.back().substr(0, 1), "R");
-}
-
 // On a virtual unit that logs while it is looked at.
 
 class LiveExportTest : public test::Z7731Test {
@@ -256,30 +238,149 @@ TEST_F(LiveExportTest, TheProgressIsToldAndNothingIsPolledMeanwhile) {
   EXPECT_LE(pollsMeanwhile, polls + 1);
 }
 
-TEST_F(LiveExportTest, GoesOverModbusToo) {
-  auto eeprom = port.sensor.Eeprom();
-  eeprom[4444] = 0;
-  eeprom[4565] = 4;
-  port.sensor.Advance(seconds(100));
-  port.onOutput = nullptr;
-  const auto ram = port.sensor.Ram();
-  auto& registers = modbus.units[1];
-  for (int number = 0; number < 32; ++number) {
-    if (const auto word = bench::InputRegister(ram, eeprom, number)) registers.input[number] = *word;
+/// On a unit whose memory is full: 1500 samples of temperature 1, one every 30 s. On Modbus it stands still
+/// as soon as it has logged them.
+class FullExportTest : public LiveExportTest, public testing::WithParamInterface<frmComSet::Protocol> {
+ protected:
+  static constexpr seconds kPeriod{30};
+
+  FullExportTest() {
+    auto eeprom = port.sensor.Eeprom();
+    eeprom[4444] = 31;
+    eeprom[4565] = 4;
+    EXPECT_EQ(eeprom[4640] * 256 + eeprom[4641], 1500);
   }
-  for (int number = 0; number < 12288; ++number) {
-    const auto place = bench::HoldingRegister(ram.size(), eeprom.size(), number);
-    if (!place) continue;
-    const auto& memory = place->in_eeprom ? eeprom : ram;
-    registers.holding[number] =
-        static_cast<std::uint16_t>(memory[place->address] << 8 | memory[place->address + 1]);
+
+  static bool IsModbus() { return GetParam() == frmComSet::modBus; }
+  /// The session begins that long after so many samples.
+  void StartAfter(int samples, seconds more) {
+    ground.clock.Advance(samples * kPeriod + more);
+    port.sensor.Advance(ground.clock.Now());
+    if (IsModbus()) MirrorOnModbus();
+    Start(GetParam());
   }
-  Start(frmComSet::modBus);
-  ground.ui.chosenFiles.push_back(kName);
-  ASSERT_TRUE(panel.ActionLoggerGetData(0)) << session.LastError;
-  const auto values = Values(RowsOf(ground.files.Text(kName)));
-  EXPECT_THAT(values, SizeIs(testing::Ge(40U)));
-  EXPECT_EQ(values, Held(0));
+  /// What another unit shows at the moments of those samples, from 1 on.
+  static std::vector<std::string> Shown(int first, int last) {
+    bench::VirtualSensor twin({.part = 154});
+    std::vector<std::string> shown;
+    for (int i = first; i <= last; ++i) {
+      twin.Advance(i * kPeriod);
+      shown.push_back(Hundredths(twin.Ram()[20] * 256 + twin.Ram()[21]));
+    }
+    return shown;
+  }
+  std::vector<std::string> ExportedValues() {
+    ExportByMenu(panel.m_ExportLogger1, seconds(18));
+    return Values(RowsOf(ground.files.Text(kName)));
+  }
+  /// Transfers that brought samples.
+  std::size_t SampleTransfers() {
+    std::size_t count = 0;
+    for (const auto& frame : port.sensor.Frames()) {
+      const bool isWideRead = frame.front() >= 176 && frame.front() < 184;
+      count += isWideRead && frame.at(1) >= 4 ? 1 : 0;
+    }
+    for (const auto& request : modbus.Requests()) {
+      count += request.first >= 4608 && request.first < 8192 ? 1 : 0;
+    }
+    return count;
+  }
+  /// The bar while the progress box is there and has one.
+  int Bar() const {
+    const auto& msg = ground.msg;
+    return msg.Visible() && msg.ProgressBar1.Visible() ? msg.ProgressBar1.Value() : -1;
+  }
+
+ private:
+  void MirrorOnModbus() {
+    port.onOutput = nullptr;
+    const auto ram = port.sensor.Ram();
+    const auto eeprom = port.sensor.Eeprom();
+    auto& registers = modbus.units[1];
+    for (int number = 0; number < 32; ++number) {
+      if (const auto word = bench::InputRegister(ram, eeprom, number)) registers.input[number] = *word;
+    }
+    for (int number = 0; number < 12288; ++number) {
+      const auto place = bench::HoldingRegister(ram.size(), eeprom.size(), number);
+      if (!place) continue;
+      const auto& memory = place->in_eeprom ? eeprom : ram;
+      registers.holding[number] =
+          static_cast<std::uint16_t>(memory[place->address] << 8 | memory[place->address + 1]);
+    }
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Roads, FullExportTest, testing::ValuesIn(test::kRoads), [](const auto& road) {
+  return road.param == frmComSet::modBus ? "Modbus" : "KiBus";
+});
+
+TEST_P(FullExportTest, TheRowsAreAllThatTheUnitLogged) {
+  StartAfter(1500, seconds(10));
+  const auto values = ExportedValues();
+  EXPECT_EQ(values, Shown(1, 1500));
+  // They are not all the same, or this would tell little.
+  EXPECT_GT(std::set(values.begin(), values.end()).size(), 50U);
+}
+
+TEST_P(FullExportTest, TheRowsOfAMemoryThatHasGoneRoundAreTheNewest) {
+  StartAfter(2200, seconds(10));
+  EXPECT_EQ(ExportedValues(), Shown(701, 2200));
+}
+
+TEST_P(FullExportTest, ASampleThatComesMeanwhileCostsTheOldestRow) {
+  StartAfter(2200, seconds(25));
+  const auto values = ExportedValues();
+  // On Modbus the unit stands still.
+  EXPECT_EQ(values, Shown(IsModbus() ? 701 : 702, 2200));
+}
+
+TEST_P(FullExportTest, TheBarOfTheProgressBoxRisesToItsEnd) {
+  StartAfter(1500, seconds(10));
+  std::vector<int> bars;
+  std::vector<int> due;
+  ground.pump.OnPass([&] {
+    const int bar = Bar();
+    if (session.PanelCommand != 24 || bar < 0) return false;
+    if (bars.empty() || bars.back() != bar) bars.push_back(bar);
+    // What the bar takes over as soon as its timer ticks, which it may do while the file is chosen.
+    due.push_back(session.BusProgress);
+    return false;
+  });
+  const auto values = ExportedValues();
+  EXPECT_EQ(values.size(), 1500U);
+  ASSERT_FALSE(bars.empty());
+  EXPECT_TRUE(std::is_sorted(bars.begin(), bars.end())) << testing::PrintToString(bars);
+  EXPECT_TRUE(std::is_sorted(due.begin(), due.end()));
+  EXPECT_EQ(bars.front(), 0);
+  EXPECT_EQ(bars.back(), 100);
+  // 12 requests, the first of which ends at 8 %, or 750 frames; the bar moves every 50 ms.
+  EXPECT_GE(bars.size(), IsModbus() ? 4U : 50U);
+  EXPECT_EQ(Bar(), -1);
+}
+
+TEST_P(FullExportTest, CancelInTheMiddleEndsItWithinABlockAndThePanelPollsOn) {
+  StartAfter(1500, seconds(10));
+  const test::Bytes old{'o', 'l', 'd'};
+  ground.files.Put(kName, old);
+  std::optional<std::size_t> before;
+  std::uint64_t polls = 0;
+  ground.pump.OnPass([&] {
+    if (before || Bar() < 30) return false;
+    before = SampleTransfers();
+    polls = session.polls;
+    EXPECT_TRUE(Click(ground.msg.Command1));
+    return false;
+  });
+  // Silent, or this would tell.
+  ExportByMenu(panel.m_ExportLogger1, seconds(18));
+  ASSERT_TRUE(before);
+  EXPECT_GT(*before, IsModbus() ? 2U : 200U);
+  // The one under way may still come.
+  EXPECT_LE(SampleTransfers(), *before + 1);
+  EXPECT_EQ(ground.files.Get(kName), old);
+  EXPECT_FALSE(ground.msg.Visible());
+  EXPECT_FALSE(session.CancelPressed);
+  EXPECT_GE(session.polls, polls + 3);
+  EXPECT_EQ(panel.cbxSimulated.Value(), 0);
 }
 
 }  // namespace

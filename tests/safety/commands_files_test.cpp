@@ -393,6 +393,25 @@ TEST_F(FilesTest, ALoadThatFailsHalfWayIsToldAndReadsAnew) {
   EXPECT_EQ(panel.txbCHact[0].Text(), "18.3");
 }
 
+/// The fields would undo what was sent of the file.
+TEST_F(FilesTest, NothingIsSentUntilAUnitThatFellSilentInALoadIsReadAgain) {
+  StartOnKiBus();
+  ASSERT_TRUE(Save());
+  PutSetting(4602, 37301);
+  ground.pump.OnPass([this] {
+    const auto frames = Frames();
+    if (std::find(frames.begin(), frames.end(), "E4602 = 37302") != frames.end()) unit.isSilent = true;
+    return false;
+  });
+  EXPECT_FALSE(Load());
+  Forget();
+  unit.isSilent = false;
+  session.LastError.clear();
+  EXPECT_FALSE(panel.FormRead(true));
+  EXPECT_EQ(session.LastError, "The settings of the unit have not been read.");
+  EXPECT_THAT(Writes(), IsEmpty());
+}
+
 TEST_F(FilesTest, CancelEndsALoadInTheMiddleWithoutAWord) {
   StartOnKiBus();
   ASSERT_TRUE(Save());

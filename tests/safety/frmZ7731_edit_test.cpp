@@ -188,6 +188,31 @@ TEST_F(Z7731EditTest, InSimulatedModeNothingIsSent) {
   EXPECT_THAT(unit.frames, IsEmpty());
 }
 
+TEST_F(Z7731EditTest, WhatWasTypedInSimulatedModeIsNeverSent) {
+  StartOnKiBus();
+  test::Click(panel.cbxSimulated);
+  Type(panel.txbKelLevel[0], "9");
+  unit.isSilent = true;
+  test::Click(panel.cbxSimulated);
+  unit.isSilent = false;
+  session.LastError.clear();
+  Type(panel.txbKelLevel[1], "2.6");
+  EXPECT_EQ(Setting(4246), 150);
+  Run(milliseconds(1900));
+  EXPECT_EQ(panel.txbKelLevel[0].Text(), "1.5");
+  EXPECT_EQ(panel.cbxSimulated.Value(), 0);
+}
+
+TEST_F(Z7731EditTest, AFieldWithTheFocusAloneFollowsTheUnit) {
+  StartOnKiBus();
+  ASSERT_TRUE(panel.form.GainFocus(panel.txbKelLevel[3]));
+  ground.ui.choices = {1};
+  test::Click(panel.lblCH_Type[0]);
+  EXPECT_EQ(panel.txbKelLevel[3].Text(), "69.8");
+  EndTyping(3);
+  EXPECT_EQ(Setting(4242), 2100);
+}
+
 TEST_F(Z7731EditTest, IdAndSerialNumberTakeNoEdit) {
   StartOnKiBus();
   Type(panel.txbID, "9");
@@ -224,6 +249,7 @@ TEST_F(Z7731UnknownUnitTest, NothingIsSentToIt) {
   StartUnread();
   Type(panel.txbKelLevel[4], "22");
   EXPECT_THAT(Writes(), IsEmpty());
+  EXPECT_THAT(Told(), ElementsAre("The settings of the unit have not been read."));
   session.LastError.clear();
   EXPECT_FALSE(panel.FormRead(true));
   EXPECT_NE(session.LastError, "");

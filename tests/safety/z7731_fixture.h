@@ -125,14 +125,85 @@ struct SafetyGround : PanelGround<SensorPort> {
   }
 };
 
-/// The panel, opened as the start of a session opens it.
-class Z7731Test : public testing::Test {
+/// A unit on the line that keeps still: it has the memories of the virtual one, what a test puts there stays,
+/// and its frames are written down.
+class StillUnit {
  protected:
-  explicit Z7731Test(const bench::SensorSetup& setup = {.part = 154}) : ground(setup) {}
+  explicit StillUnit(SensorPort& port) : unit(port) {
+    const auto& ram = port.sensor.Ram();
+    const auto& eeprom = port.sensor.Eeprom();
+    std::copy(ram.begin(), ram.end(), unit.ram.begin());
+    std::copy(eeprom.begin(), eeprom.end(), unit.eeprom.begin());
+  }
+
+  static void PutWord(std::vector<std::uint8_t>& memory, std::size_t address, int value) {
+    memory.at(address) = static_cast<std::uint8_t>(value >> 8 & 255);
+    memory.at(address + 1) = static_cast<std::uint8_t>(value & 255);
+  }
+  static int WordOf(const std::vector<std::uint8_t>& memory, std::size_t address) {
+    return memory.at(address) * 256 + memory.at(address + 1);
+  }
+  void PutSetting(std::size_t address, int word) { PutWord(unit.eeprom, address, word); }
+  void PutLive(std::size_t channel, int value) { PutWord(unit.ram, 12 + 2 * channel, value); }
+
+  /// All frames, or those that write, as words.
+  std::vector<std::string> Frames() const {
+    std::vector<std::string> words;
+    for (const auto& frame : unit.frames) words.push_back(Words(frame));
+    return words;
+  }
+  std::vector<std::string> Writes() const {
+    std::vector<std::string> words;
+    for (const auto& frame : unit.frames) {
+      if (frame.front() < 128) words.push_back(Words(frame));
+    }
+    return words;
+  }
+
+  KiBusUnit unit;
+};
+
+/// A panel of a unit that is reached by name, on its line.
+template <typename PanelOfUnit>
+class UnitPanelTest : public testing::Test {
+ protected:
+  explicit UnitPanelTest(const bench::SensorSetup& setup) : ground(setup) {}
 
   void Choose(frmComSet::StartMode mode, frmComSet::Protocol protocol, const std::string& id = "") {
     ground.Choose(mode, protocol, id);
   }
+  void Run(std::chrono::microseconds span) { RunLoop(ground, panel, span); }
+  void After(std::chrono::microseconds delay, std::function<void()> act) {
+    ground.pump.After(delay, std::move(act));
+  }
+
+  static std::vector<std::string> Texts(const ControlArray& controls) {
+    std::vector<std::string> texts;
+    for (const auto* control : controls) texts.push_back(control->Text());
+    return texts;
+  }
+  /// The boxes that are ticked.
+  static std::vector<int> Ticked(const ControlArray& boxes) {
+    std::vector<int> ticked;
+    for (int i = 0; i < boxes.Count(); ++i) {
+      if (boxes[i].Value() == 1) ticked.push_back(i);
+    }
+    return ticked;
+  }
+  std::vector<std::string> Told() const { return ground.ui.Texts(); }
+
+  SafetyGround ground;
+  SensorPort& port = ground.port;
+  VirtualModbus& modbus = ground.modbus;
+  Session& session = ground.session;
+  PanelOfUnit panel{ground.context};
+};
+
+/// The panel of the safety system, opened as the start of a session opens it.
+class Z7731Test : public UnitPanelTest<frmZ7731Chart> {
+ protected:
+  explicit Z7731Test(const bench::SensorSetup& setup = {.part = 154}) : UnitPanelTest(setup) {}
+
   /// False: the session does not begin, for the reason in LastError.
   bool Open() { return panel.FormUpdateInit() && panel.FormUpdate(); }
   bool Start() {
@@ -147,43 +218,15 @@ class Z7731Test : public testing::Test {
     Choose(frmComSet::simulatedMode, frmComSet::kiBus);
     return Start();
   }
-  void Run(std::chrono::microseconds span) { RunLoop(ground, panel, span); }
-  void After(std::chrono::microseconds delay, std::function<void()> act) {
-    ground.pump.After(delay, std::move(act));
-  }
 
-  static std::vector<std::string> Texts(const ControlArray& controls) {
-    std::vector<std::string> texts;
-    for (const auto* control : controls) texts.push_back(control->Text());
-    return texts;
-  }
-  /// The boxes that are ticked.
-  static std::vector<int> Ticked(const RelayBoxes& relay) {
-    std::vector<int> ticked;
-    for (int i = 0; i < relay.boxes.Count(); ++i) {
-      if (relay.boxes[i].Value() == 1) ticked.push_back(i);
-    }
-    return ticked;
-  }
-  std::vector<std::string> Told() const { return ground.ui.Texts(); }
-
-  SafetyGround ground;
-  SensorPort& port = ground.port;
-  VirtualModbus& modbus = ground.modbus;
-  Session& session = ground.session;
-  frmZ7731Chart panel{ground.context};
+  using UnitPanelTest::Ticked;
+  static std::vector<int> Ticked(const RelayBoxes& relay) { return Ticked(relay.boxes); }
 };
 
-/// On a unit that keeps still: it has the memories of a new one, what a test puts there stays, and its frames
-/// are written down. It hears both roads.
-class StillUnitTest : public Z7731Test {
+/// On a unit that keeps still. It hears both roads.
+class StillUnitTest : public Z7731Test, protected StillUnit {
  protected:
-  StillUnitTest() {
-    const auto& ram = port.sensor.Ram();
-    const auto& eeprom = port.sensor.Eeprom();
-    std::copy(ram.begin(), ram.end(), unit.ram.begin());
-    std::copy(eeprom.begin(), eeprom.end(), unit.eeprom.begin());
-  }
+  StillUnitTest() : StillUnit(port) {}
 
   /// As a session begins on the only unit there, with nothing written down yet.
   void StartOn(frmComSet::Protocol protocol) {
@@ -200,15 +243,6 @@ class StillUnitTest : public Z7731Test {
     ground.ui.messages.clear();
   }
 
-  static void PutWord(std::vector<std::uint8_t>& memory, std::size_t address, int value) {
-    memory.at(address) = static_cast<std::uint8_t>(value >> 8 & 255);
-    memory.at(address + 1) = static_cast<std::uint8_t>(value & 255);
-  }
-  static int WordOf(const std::vector<std::uint8_t>& memory, std::size_t address) {
-    return memory.at(address) * 256 + memory.at(address + 1);
-  }
-  void PutSetting(std::size_t address, int word) { PutWord(unit.eeprom, address, word); }
-  void PutLive(std::size_t channel, int value) { PutWord(unit.ram, 12 + 2 * channel, value); }
   std::uint8_t& Status(std::size_t channel) { return unit.ram.at(256 + channel); }
   std::uint8_t& Regulator(std::size_t number) { return unit.ram.at(272 + number); }
   int Setting(std::size_t address) {
@@ -216,17 +250,9 @@ class StillUnitTest : public Z7731Test {
     return WordOf(unit.eeprom, address);
   }
 
-  /// All frames, or those that write, as words.
-  std::vector<std::string> Frames() const {
-    std::vector<std::string> words;
-    for (const auto& frame : unit.frames) words.push_back(Words(frame));
-    return words;
-  }
+  /// On either road.
   std::vector<std::string> Writes() const {
-    std::vector<std::string> words;
-    for (const auto& frame : unit.frames) {
-      if (frame.front() < 128) words.push_back(Words(frame));
-    }
+    auto words = StillUnit::Writes();
     for (const auto& request : modbus.Requests()) {
       if (request.written.empty()) continue;
       words.push_back("H" + std::to_string(request.first) + " = " + std::to_string(request.written.front()));
@@ -235,7 +261,6 @@ class StillUnitTest : public Z7731Test {
   }
   std::size_t Transfers() const { return unit.frames.size() + modbus.Requests().size(); }
 
-  KiBusUnit unit{port};
   MirroredUnit mirror{modbus, ground.pump, unit.ram, unit.eeprom};
 };
 
