@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/form_json.h"
 
+#include <nlohmann/json.hpp>
+
 namespace brelant {
 
 namespace {

@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
 
@@ -45,7 +46,7 @@ std::optional<Json> Ask(Visit& visit) {
   Json identity{
       {"part", info.GetPartNumber()}, {"platform", platform}, {"generation", info.GetProtocolGeneration()}};
   session.LastError.clear();
-  if (platform == kSafetySystem) return AskByNames(visit, std::move(identity));
+  if (IsReachedByName(platform)) return AskByNames(visit, std::move(identity));
   identity["variant"] = static_cast<int>(info.GetProductVariant());
   identity["serial"] = static_cast<long>(info.GetSerialNumber());
   identity["identity"] = info.GetSensorIdentity();
@@ -79,7 +80,7 @@ void AddIdentifyCommand(CommandLine& line) {
   const auto own = std::make_shared<IdentifyOptions>();
   auto& command = AddConnectedCommand(line, "identify", "Tell what is attached", own->connection,
                                       [&line, own] { return Identify(line.options, *own); });
-  command.add_flag("--json", own->json, "Print one JSON object");
+  AddFlag(command, "--json", own->json, "Print one JSON object");
 }
 
 }  // namespace brelant

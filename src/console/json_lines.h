@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <nlohmann/json.hpp>
-#include <ostream>
+#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
 
 namespace brelant {
 
@@ -13,9 +13,7 @@ using Json = nlohmann::ordered_json;
 class JsonLines {
  public:
   explicit JsonLines(std::ostream& out) : out_(out) {}
-  void Print(const Json& json) {
-    out_ << json.dump(-1, ' ', false, Json::error_handler_t::replace) << std::endl;
-  }
+  void Print(const Json& json);
 
  private:
   std::ostream& out_;

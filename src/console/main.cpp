@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // brelantctl: the console program.
+#include <CLI/CLI.hpp>
 #include <QCoreApplication>
 #include <exception>
 #include <iostream>
@@ -12,18 +13,19 @@
 #include "console/watch_command.h"
 
 int main(int argc, char** argv) {
-  brelant::CommandLine line;
-  line.app.require_subcommand(1);
-  brelant::AddCommonOptions(line.app, line.options);
+  CLI::App app("The console program for CO2 sensors and the CO2 safety system.", "brelantctl");
+  app.require_subcommand(1);
+  brelant::CommandLine line{app, {}, {}};
+  brelant::AddCommonOptions(app, line.options);
   brelant::AddRunCommand(line);
   brelant::AddIdentifyCommand(line);
   brelant::AddShowCommand(line);
   brelant::AddWatchCommand(line);
   brelant::AddSendCommand(line);
   try {
-    line.app.parse(argc, argv);
+    app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return line.app.exit(error) == 0 ? brelant::kDone : brelant::kMakesNoSense;
+    return app.exit(error) == 0 ? brelant::kDone : brelant::kMakesNoSense;
   }
   const QCoreApplication application(argc, argv);
   try {

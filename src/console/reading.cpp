@@ -2,6 +2,7 @@
 #include "console/reading.h"
 
 #include <QDateTime>
+#include <nlohmann/json.hpp>
 
 namespace brelant {
 

@@ -63,7 +63,7 @@ void AddRunCommand(CommandLine& line) {
   auto& command = AddCommand(
       line, "run", "Play a script, from the standard input without FILE",
       [&line, file] { return file->empty() ? PlayStdin(line.options) : PlayFile(line.options, *file); });
-  command.add_option("FILE", *file, "The script");
+  AddFile(command, *file, "The script", false);
 }
 
 }  // namespace brelant

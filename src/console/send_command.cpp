@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "console/json_lines.h"
@@ -45,8 +46,8 @@ void AddSendCommand(CommandLine& line) {
   const auto own = std::make_shared<SendOptions>();
   auto& command = AddConnectedCommand(line, "send", "Send a settings file to the sensor", own->connection,
                                       [&line, own] { return Send(line.options, *own); });
-  command.add_option("FILE", own->file, "The settings file")->required();
-  command.add_flag("--json", own->json, "Print one JSON object");
+  AddFile(command, own->file, "The settings file", true);
+  AddFlag(command, "--json", own->json, "Print one JSON object");
 }
 
 }  // namespace brelant

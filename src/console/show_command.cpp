@@ -3,6 +3,7 @@
 
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "console/form_json.h"
 #include "console/panel_text.h"
@@ -35,7 +36,7 @@ void AddShowCommand(CommandLine& line) {
   const auto own = std::make_shared<ShowOptions>();
   auto& command = AddConnectedCommand(line, "show", "Show the panel of what is attached, after one poll",
                                       own->connection, [&line, own] { return Show(line.options, *own); });
-  command.add_flag("--json", own->json, "Print one JSON object");
+  AddFlag(command, "--json", own->json, "Print one JSON object");
 }
 
 }  // namespace brelant

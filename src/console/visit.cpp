@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/visit.h"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <utility>
 

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+// The library behind it takes longer to compile than all that includes this.
+namespace CLI {
+class App;
+}
 
 namespace brelant {
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "console/reading.h"
 
+#include <nlohmann/json.hpp>
 #include <regex>
 
 #include <gtest/gtest.h>

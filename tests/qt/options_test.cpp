@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "qt/options.h"
 
+#include <CLI/CLI.hpp>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QTemporaryDir>

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <utility>
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace brelant::script {
