@@ -8,6 +8,7 @@
 #include "desktop/panels/platform5/Panel5Window.h"
 #include "desktop/panels/platform6/Panel6Window.h"
 #include "desktop/panels/platform61/Panel61Window.h"
+#include "desktop/panels/platform8/Panel8Window.h"
 #include "desktop/panels/safety/SafetyWindow.h"
 #include "desktop/panels/safety/unit_dialogs.h"
 #include "desktop/windows/CalCurveWindow.h"
@@ -58,10 +59,12 @@ std::unique_ptr<FormWindow> MakePanel(Panel& panel, Acts& acts) {
   return std::make_unique<Window>(panel, acts);
 }
 
-constexpr std::array<PanelEntry, 5> kPanels{{{"frm5", MakePanel<Panel5Window>},
+constexpr std::array<PanelEntry, 7> kPanels{{{"frm5", MakePanel<Panel5Window>},
                                              {"frm5Chart", MakePanel<Panel5ChartWindow>},
                                              {"frm6", MakePanel<Panel6Window>},
                                              {"frm61", MakePanel<Panel61Window>},
+                                             {"frm8Chart", MakePanel<Panel8Window>},
+                                             {"frm8_2Chart", MakePanel<Panel8Window>},
                                              {"frmZ7731Chart", MakePanel<SafetyWindow>}}};
 
 }  // namespace

@@ -51,7 +51,7 @@ TEST(HelpPages, ThereIsOneForEachVariantThatHasAPanel) {
               testing::IsSupersetOf({"help5v0.html", "help5v1.html", "help5v2.html", "help5v3.html",
                                      "help6v0.html", "help6v1.html", "help6v2.html", "help6v3.html",
                                      "help6v4.html", "help6v5.html", "help61v0.html", "help61v1.html",
-                                     "help7v1.html", "help7v2.html", "Support/help9.html"}));
+                                     "help7v1.html", "help7v2.html", "help8.html", "Support/help9.html"}));
 }
 
 // Both variants have one panel, and so one page.
@@ -123,6 +123,41 @@ TEST(HelpPages, OfTheSafetySystemWarnsOfWhatActsAtOnceAndOfWhatDoesNot) {
   EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr("TWA by KiBus")));
   EXPECT_THAT(page,
               testing::HasSubstr("Ticks go to the unit with the next level, or with \"Send to sensor\""));
+}
+
+TEST(HelpPages, OfPlatform8TellsItsAlarmsCommandsAndMessages) {
+  const std::string page = Page("help8.html");
+  for (const char* text :
+       {"CO2 pre-alarm", "CO2 main alarm", "TWA alarm", "TEMP 1 low", "TEMP 1 high", "WEIGHT, empty tank",
+        "WEIGHT, full tank", "at most three alarms",
+        "Only 3 channels can be chosen at the same time for each relay", "above 29 becomes 29",
+        "TWA drives output P0", "Version 1 has no tank", "CO2 single point, Fresh air", "<h3>TWA reset</h3>",
+        "No sensor detected, entering simulated mode.", "The unit does not answer.",
+        "The settings of the unit have not been read.", "Unkown protokol", "Calibration error"}) {
+    EXPECT_THAT(page, testing::HasSubstr(text));
+  }
+  // What only the safety system has.
+  for (const char* text : {"ERR", "TEMP 2", "Off line", "No alarm", "Vega 3", "Options..."}) {
+    EXPECT_THAT(page, testing::Not(testing::HasSubstr(text)));
+  }
+}
+
+// Nothing is read back here, and the relays are empty while they are sent.
+TEST(HelpPages, OfPlatform8WarnsOfWhatAnInstallerMustNotLearnTooLate) {
+  const auto warnings = Found(Page("help8.html"), "<p class=\"warn\"><b>([^<]+)");
+  for (const char* warning : {"A level goes to the unit as soon as you finish it",
+                              "A sending takes all alarms off both relays", "What is sent is not checked."}) {
+    EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr(warning)));
+  }
+}
+
+// From where one looks for a page, each panel's is found.
+TEST(HelpPages, AllPagesOfUnitsAreLinkedFromWhatTheyShare) {
+  for (const char* shared : {"help_calibration.html", "help_settings.html", "helpComSet.html"}) {
+    EXPECT_THAT(Found(Page(shared), "href=\"([^\"]+)\""),
+                testing::IsSupersetOf({"help8.html", "Support/help9.html"}))
+        << shared;
+  }
 }
 
 TEST(HelpPages, EachPageIsStyled) {

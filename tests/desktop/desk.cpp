@@ -18,6 +18,7 @@ constexpr const char* kAppDir = "C:\\KVX";
 
 const char* PanelOf(int platform, int variant) {
   if (platform == 5) return variant == 0 ? "frm5" : "frm5Chart";
+  if (platform == 8) return variant == 1 ? "frm8Chart" : "frm8_2Chart";
   if (platform == 9) return "frmZ7731Chart";
   return platform == 6 ? "frm6" : "frm61";
 }

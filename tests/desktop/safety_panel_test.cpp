@@ -5,17 +5,14 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
-#include <QSet>
 #include <array>
-#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "desktop/Appearance.h"
-#include "panel_fixture.h"
 #include "seen_whole.h"
+#include "unit_fixture.h"
 
 namespace brelant::test {
 namespace {
@@ -54,11 +51,6 @@ constexpr std::size_t kOutput0 = 4602;
 constexpr std::size_t kTemp1Kind = 7964;
 constexpr std::size_t kTemp2Kind = 7969;
 
-const QColor kRed(255, 0, 0);
-const QColor kGreen(0, 255, 0);
-const QColor kYellow(255, 255, 0);
-const QColor kField(0x54, 0x6C, 0x8D);
-
 const std::array<const char*, 9> kAlarms{"CO2 pre-alarm",     "CO2 main alarm", "TWA alarm",
                                          "TEMP 1 low",        "TEMP 1 high",    "WEIGHT pre-alarm",
                                          "WEIGHT main alarm", "TEMP 2 low",     "TEMP 2 high"};
@@ -67,89 +59,15 @@ constexpr std::array<int, 9> kBoxes{0, 1, 2, 3, 4, 6, 7, 9, 8};
 /// The alarms from top to bottom, by the index of their level.
 constexpr std::array<int, 9> kRows{0, 1, 2, 3, 4, 7, 8, 5, 6};
 
-QString At(const char* name, int index) {
-  return QString("%1(%2)").arg(name).arg(index);
-}
-
-class SafetyPanelTest : public PanelTest {
+class SafetyPanelTest : public UnitPanelTest {
  protected:
+  SafetyPanelTest() : UnitPanelTest({kAlarms.begin(), kAlarms.end()}) {}
+
   void Start(int model = kAll) { PanelTest::Start(kUnit, model); }
   void StartSimulated() {
     desk = std::make_unique<Desk>(kUnit, kAll);
     desk->StartSimulation();
   }
-  static QWidget& Window() { return *FindWindow("frmZ7731Chart"); }
-
-  void PutWord(std::span<std::uint8_t> memory, std::size_t address, int word) const {
-    memory[address] = static_cast<std::uint8_t>(word >> 8 & 255);
-    memory[address + 1] = static_cast<std::uint8_t>(word & 255);
-  }
-  void Live(std::size_t address, int word) { PutWord(desk->port.sensor.Ram(), address, word); }
-  void Keep(std::size_t address, int word) { PutWord(desk->port.sensor.Eeprom(), address, word); }
-  int Byte(std::size_t address) const { return desk->port.sensor.Eeprom()[address]; }
-  int Kept(std::size_t address) const { return Byte(address) * 256 + Byte(address + 1); }
-
-  /// When two polls have ended: of these the second began after what was done before, and after all that had
-  /// to wait for the line.
-  void Settled(Desk::Step step) {
-    OnPanel([this] { polls_ = desk->program.session.polls; });
-    desk->When([this] { return desk->program.session.polls > polls_ + 1; }, [] {});
-    OnPanel(std::move(step));
-  }
-  /// The same without a unit: the model has run.
-  void Computed(Desk::Step step) {
-    for (int i = 0; i < 2; ++i) OnPanel([] {});
-    OnPanel(std::move(step));
-  }
-  QString Label(const QString& name) const { return desk->Panel<QLabel>(name).text(); }
-  bool Ticked(const QString& name) const { return desk->Panel<QAbstractButton>(name).isChecked(); }
-  /// The boxes of a relay that are ticked.
-  std::vector<int> Ticks(const char* relay) const {
-    std::vector<int> ticked;
-    for (int i = 0; i < 10; ++i) {
-      if (Ticked(At(relay, i))) ticked.push_back(i);
-    }
-    return ticked;
-  }
-  QColor Ground(const QString& name) const {
-    const auto image = Widget(name).grab().toImage();
-    return image.pixelColor(image.width() / 2, 4);
-  }
-  void ExpectLamp(int index, const QString& state, const QColor& ground) const {
-    const auto name = At("txbStatus", index);
-    EXPECT_EQ(Label(name), state) << index;
-    EXPECT_EQ(Ground(name), ground) << index;
-    EXPECT_EQ(Widget(name).accessibleName(),
-              QString(kAlarms.at(static_cast<std::size_t>(index))) + " " + state);
-  }
-  void ExpectLamps(const std::set<int>& alarms) const {
-    for (int i = 0; i < 9; ++i) {
-      const bool alarm = alarms.count(i) > 0;
-      ExpectLamp(i, alarm ? "ALARM" : "OK", alarm ? kRed : kGreen);
-    }
-  }
-  /// Reads the text of the message box and puts it away.
-  void Acknowledge(QString& text) {
-    desk->When([] { return FindWindow("MessageBox") != nullptr; },
-               [&text] {
-                 auto& box = *static_cast<QMessageBox*>(FindWindow("MessageBox"));
-                 text = box.text();
-                 box.button(QMessageBox::Ok)->click();
-               });
-  }
-  /// Also where the field has the focus already, so that a click selects nothing.
-  void Retype(const QString& field, const QString& text) {
-    OnPanel([this, field, text] {
-      Press(Widget(field));
-      PressKey(Widget(field), Qt::Key_A, Qt::ControlModifier);
-      QTest::keyClicks(&Widget(field), text);
-      PressKey(Widget(field), Qt::Key_Return);
-    });
-  }
-  static QAction& Entry(const QString& name) { return *Window().findChild<QAction*>(name); }
-
- private:
-  unsigned polls_ = 0;
 };
 
 // From the unit to the fields
@@ -415,7 +333,7 @@ TEST_F(SafetyPanelTest, AFifthAlarmOfARelayIsRefusedAndItsTickTakenBack) {
     Press(Widget("cbxKelrelay(2)"));
   });
   OnPanel([this] { Press(Widget("cbxKelrelay(4)")); });
-  OnPanel([this] {
+  OnPanel([] {
     EXPECT_EQ(FindWindow("MessageBox"), nullptr);
     EXPECT_THAT(Ticks("cbxKelrelay"), ElementsAre(0, 1, 3, 4, 7));
   });
@@ -693,20 +611,7 @@ TEST_F(SafetyPanelTest, TheLampFlickersWhileTheLineIsInUseAndThenHasTheColourOfA
 
 TEST_F(SafetyPanelTest, EveryMenuEntryHasALetterOfItsOwn) {
   Start();
-  const std::function<void(const QWidget&)> expectLetters = [&](const QWidget& menu) {
-    QSet<QChar> letters;
-    int count = 0;
-    for (const auto* action : menu.actions()) {
-      if (!action->isVisible()) continue;
-      ++count;
-      const auto at = action->text().indexOf('&');
-      ASSERT_GE(at, 0) << action->text().toStdString();
-      letters.insert(action->text()[at + 1].toUpper());
-      if (action->menu() != nullptr) expectLetters(*action->menu());
-    }
-    EXPECT_EQ(letters.size(), count) << menu.objectName().toStdString();
-  };
-  OnPanel([&] { expectLetters(*static_cast<QMainWindow&>(Window()).menuBar()); });
+  OnPanel([] { ExpectALetterEach(*static_cast<QMainWindow&>(Window()).menuBar()); });
   desk->Run();
 }
 
@@ -724,19 +629,7 @@ TEST_F(SafetyPanelTest, HasTheShortcutsOfTheOtherPanels) {
   desk->Run();
 }
 
-class SafetyKeyboardTest : public SafetyPanelTest {
- protected:
-  static std::vector<std::string> Order(const QString& from, int count) {
-    Activate(Window());
-    Window().findChild<QWidget*>(from)->setFocus();
-    std::vector<std::string> order;
-    for (int i = 0; i < count; ++i) {
-      order.push_back(QApplication::focusWidget()->objectName().toStdString());
-      PressKey(*QApplication::focusWidget(), Qt::Key_Tab);
-    }
-    return order;
-  }
-};
+class SafetyKeyboardTest : public SafetyPanelTest {};
 
 TEST_F(SafetyKeyboardTest, TheTabKeyFollowsTheEye) {
   Start();
@@ -855,7 +748,7 @@ TEST_F(SafetyPanelTest, ASimulatedUnitRefusesAFifthEntryOfARelayToo) {
     Press(Widget("cbxKelrelay2(7)"));
   });
   Acknowledge(text);
-  OnPanel([this] { EXPECT_THAT(Ticks("cbxKelrelay2"), ElementsAre(0, 1, 2, 5)); });
+  OnPanel([] { EXPECT_THAT(Ticks("cbxKelrelay2"), ElementsAre(0, 1, 2, 5)); });
   desk->Run();
   EXPECT_EQ(text, "Only 3 channels can be chosen at the same time for each relay");
   EXPECT_EQ(desk->StepsLeft(), 0U);

@@ -11,7 +11,8 @@ work=$(mktemp -d)
 scenes=("${@:3}")
 [ ${#scenes[@]} -gt 0 ] || scenes=(dialogs progress panel chart_simulated chart curve generic
   three_outputs vav_222 vav_223 jumper sequential compact transfer transfer_digital
-  platform61 platform61_plain platform7 safety safety_few safety_simulated safety_dialogs)
+  platform61 platform61_plain platform7 platform8 platform8_weight platform8_simulated
+  safety safety_few safety_simulated safety_dialogs)
 part=231
 seconds_to_wait=20
 started=()
@@ -184,11 +185,11 @@ photograph_chart() { photograph_alarmed chart $part 1; }
 photograph_platform61() { photograph_alarmed platform61 215 0; }
 photograph_platform7() { photograph_alarmed platform7 50 2; }
 
-# photograph_unit NAME MODEL: the safety panel once its unit has been read whole, and while an alarm is active.
+# photograph_unit NAME PART MODEL: the panel of a unit that has been read whole, while an alarm is active.
 photograph_unit() {
-  local id part=154
+  local id part=$2
   settings "$work/sensor" 1
-  sensor --variant "$2"
+  sensor --variant "$3"
   program
   id=$(until_seen window BRELANT 800)
   sleep 5
@@ -197,9 +198,25 @@ photograph_unit() {
   stop
 }
 
-photograph_safety() { photograph_unit safety 3; }
+photograph_safety() { photograph_unit safety 154 3; }
 # A model without temperature 2 and weight.
-photograph_safety_few() { photograph_unit safety-few 5; }
+photograph_safety_few() { photograph_unit safety-few 154 5; }
+
+photograph_platform8() { photograph_unit platform8 40 1; }
+photograph_platform8_weight() { photograph_unit platform8-weight 40 2; }
+
+# Without a start in simulated mode the box is ticked by its letter.
+photograph_platform8_simulated() {
+  local id part=40
+  settings "$work/sensor" 1
+  sensor --variant 2
+  program
+  id=$(until_seen window BRELANT 800)
+  sleep 5
+  press "$id" alt+u
+  shoot platform8-simulated "BRELANT Simulated mode" 800
+  stop
+}
 
 photograph_safety_simulated() {
   settings /dev/ttyUSB0 0

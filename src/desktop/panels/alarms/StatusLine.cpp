@@ -44,6 +44,7 @@ QLabel& StatusLine::AddName(Views& views, const QString& fixedName, QBoxLayout& 
 }
 
 void StatusLine::AddState(Views& views, const QLabel& name, int lines, QBoxLayout& layout) {
+  if (controls_.state.onFocus) return AddField(views, name, layout);
   auto& state = Make<QLabel>(*this);
   ScaleFont(state, kStatusSize, QFont::Bold);
   state.setWordWrap(lines > 1);
@@ -56,6 +57,20 @@ void StatusLine::AddState(Views& views, const QLabel& name, int lines, QBoxLayou
     state.setPalette(Inked(ToQColor(control.Fore())));
     state.setAccessibleName(name.text() + ", " + state.text());
   });
+}
+
+/// A text that hears of the focus.
+void StatusLine::AddField(Views& views, const QLabel& name, QBoxLayout& layout) {
+  auto& state = Make<QLineEdit>(*this);
+  ScaleFont(state, kStatusSize, QFont::Bold);
+  state.setFrame(false);
+  state.setFixedWidth(Digits(state, kWidth));
+  // Handed down from here, as the field's own palette is that of its control.
+  QPalette onGround;
+  onGround.setColor(QPalette::Base, Qt::transparent);
+  setPalette(onGround);
+  Bind(views, controls_.state, state, [&name] { return name.text(); });
+  layout.addWidget(&state, 1);
 }
 
 void StatusLine::paintEvent(QPaintEvent* /*event*/) {

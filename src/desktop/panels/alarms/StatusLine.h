@@ -9,7 +9,8 @@
 
 namespace brelant::alarms {
 
-/// A state in words, in the colour that the form tells, on a ground on which each of them is read.
+/// A state in words, in the colour that the form tells, on a ground on which each of them is read. Where the
+/// form has a rule for it, a click gives it the focus.
 class StatusLine : public QFrame {
  public:
   struct Controls {
@@ -27,6 +28,7 @@ class StatusLine : public QFrame {
  private:
   QLabel& AddName(Views& views, const QString& fixedName, QBoxLayout& layout);
   void AddState(Views& views, const QLabel& name, int lines, QBoxLayout& layout);
+  void AddField(Views& views, const QLabel& name, QBoxLayout& layout);
 
   Controls controls_;
 };

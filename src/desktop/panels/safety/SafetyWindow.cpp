@@ -1,67 +1,38 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/panels/safety/SafetyWindow.h"
 
-#include <QCheckBox>
 #include <array>
 
-#include "desktop/kit/ActivityLamp.h"
-#include "desktop/kit/LiveTile.h"
-#include "desktop/kit/bind.h"
-#include "desktop/kit/fields.h"
-#include "desktop/kit/make.h"
-#include "desktop/kit/text.h"
-#include "desktop/panels/alarms/StatusLine.h"
-#include "desktop/panels/header.h"
-#include "desktop/panels/safety/AlarmMatrix.h"
+#include "safety/RelayBoxes.h"
 #include "safety/panel_plan.h"
 
 namespace brelant {
 
 namespace {
 
-constexpr int kSpacing = 10;
 constexpr double kNumberSize = 4.5;
-
 /// The places of the channels, in the order of their alarms.
-constexpr std::array<std::size_t, z7731::kChannels.size()> kOrder{2, 1, 0, 3, 4};
+constexpr std::array<std::size_t, z7731::kChannels.size()> kChannels{2, 1, 0, 3, 4};
+/// The alarms as they are read, by the index of their state.
+constexpr std::array<int, z7731::kAlarms.size()> kAlarms{0, 1, 2, 3, 4, 7, 8, 5, 6};
 
 }  // namespace
 
-SafetyWindow::SafetyWindow(Panel& panel, Acts& acts) : PanelWindow(panel, acts) {
-  auto& ground = *centralWidget();
-  auto& layout = LayOutPanel(views_, panel, FourDisplays(views_, "lblDisplayMode"), ground);
-  auto& middle = AddRow(layout, kSpacing);
-  layout.setStretchFactor(&middle, 1);
-  auto& tiles = *std::make_unique<QVBoxLayout>().release();
-  tiles.setSpacing(kSpacing);
-  middle.addLayout(&tiles, 1);
-  AddTiles(tiles);
-  middle.addWidget(&Make<z7731::AlarmMatrix>(ground, views_), 2);
-  AddOptions(AddRow(layout, kSpacing));
+SafetyWindow::SafetyWindow(Panel& panel, Acts& acts) : UnitWindow(panel, acts) {
+  LayOutUnit(panel, ThePlan());
 }
 
-void SafetyWindow::AddTiles(QBoxLayout& layout) {
-  for (const auto index : kOrder) {
+UnitWindow::Plan SafetyWindow::ThePlan() const {
+  Plan plan{{}, kNumberSize, {{}, RelayBoxes::kNoAlarm}, "Relays, display and P0"};
+  for (const auto index : kChannels) {
     const auto& place = z7731::kChannels.at(index);
-    auto& value = views_("txbCHact", place.field);
-    const LiveTile::Controls controls{views_("lblCH_Name", place.name), value, value,
-                                      &views_("lblCH_Type", place.field)};
-    layout.addWidget(&Make<LiveTile>(*centralWidget(), views_, controls, QString(), kNumberSize), 1);
+    plan.tiles.push_back({place.name, place.field});
   }
-}
-
-void SafetyWindow::AddOptions(QBoxLayout& layout) {
-  auto& ground = *centralWidget();
-  const alarms::StatusLine::Controls state{nullptr, views_("txbKELActTempAenable")};
-  layout.addWidget(&Make<alarms::StatusLine>(ground, views_, state, "Temperature alarms", 1));
-  auto& average = Make<QCheckBox>(ground);
-  Bind(views_, views_("cbxTWAonP0"), average, {'T'});
-  layout.addWidget(&average);
-  layout.addStretch();
-  AddCaption("Relays, display and P0 reach the unit with the next level, or with \"Send to sensor\".", ground,
-             layout);
-  layout.addSpacing(kSpacing);
-  layout.addWidget(&Make<ActivityLamp>(ground, views_, views_("picFlash")));
+  for (const int index : kAlarms) {
+    const auto& place = z7731::kAlarms.at(static_cast<std::size_t>(index));
+    plan.alarms.rows.push_back({index, views_(place.label, place.box), place.box});
+  }
+  return plan;
 }
 
 }  // namespace brelant

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "desktop/panels/safety/AlarmMatrix.h"
+#include "desktop/panels/alarms/AlarmMatrix.h"
 
 #include <QPainter>
 #include <array>
@@ -7,15 +7,11 @@
 #include "desktop/Appearance.h"
 #include "desktop/kit/make.h"
 #include "desktop/kit/text.h"
-#include "safety/RelayBoxes.h"
-#include "safety/panel_plan.h"
 
-namespace brelant::z7731 {
+namespace brelant::alarms {
 
 namespace {
 
-/// The alarms as they are read, by the index of their state.
-constexpr std::array<int, kAlarms.size()> kOrder{0, 1, 2, 3, 4, 7, 8, 5, 6};
 constexpr std::array kRelays{"cbxKelrelay", "cbxKelrelay2"};
 constexpr int kSpacing = 4;
 constexpr double kNoAlarmSize = 1.3;
@@ -23,11 +19,13 @@ constexpr double kTickSize = 1.4;
 
 }  // namespace
 
-AlarmMatrix::AlarmMatrix(Views& views, QWidget* parent) : AlarmGrid(parent) {
+AlarmMatrix::AlarmMatrix(Views& views, const Plan& plan, QWidget* parent) : AlarmGrid(parent) {
+  // Before there is anything inside, so that all of it follows.
+  ScaleFont(*this, plan.size);
   Grid().setVerticalSpacing(kSpacing);
   AddHeads();
-  for (const int index : kOrder) AddRow(views, index, Grid().rowCount());
-  AddNoAlarm(views, Grid().rowCount());
+  for (const auto& alarm : plan.rows) AddRow(views, alarm, Grid().rowCount());
+  if (plan.noAlarmBox) AddNoAlarm(views, *plan.noAlarmBox, Grid().rowCount());
 }
 
 void AlarmMatrix::AddHeads() {
@@ -42,24 +40,23 @@ void AlarmMatrix::AddHeads() {
   }
 }
 
-void AlarmMatrix::AddRow(Views& views, int index, int row) {
-  const auto& place = kAlarms.at(static_cast<std::size_t>(index));
-  auto& caption = views(place.label, place.box);
+void AlarmMatrix::AddRow(Views& views, const Row& alarm, int row) {
+  const auto& [index, caption, box] = alarm;
   AddAlarm(views,
            {caption, views("txbStatus", index), views("txbKelLevel", index), views("lblFKelunit", index)},
            row);
-  AddTicks(views, TextOf(caption), place.box, row);
+  AddTicks(views, TextOf(caption), box, row);
 }
 
 /// Has no state and no level: only the places of a relay's list that hold no alarm.
-void AlarmMatrix::AddNoAlarm(Views& views, int row) {
+void AlarmMatrix::AddNoAlarm(Views& views, int box, int row) {
   Grid().setRowMinimumHeight(row, fontMetrics().height() * 2);
   auto& caption = Make<QLabel>(*this, "No alarm");
   ScaleFont(caption, kNoAlarmSize, QFont::DemiBold);
   Grid().addWidget(&caption, row, 0);
   auto& meaning = Make<QLabel>(*this, "ticked: the relay has places without an alarm");
   Grid().addWidget(&meaning, row, 1, 1, kFurther - 1);
-  AddTicks(views, caption.text(), RelayBoxes::kNoAlarm, row);
+  AddTicks(views, caption.text(), box, row);
 }
 
 void AlarmMatrix::AddTicks(Views& views, const QString& alarm, int box, int row) {
@@ -91,4 +88,4 @@ void AlarmMatrix::paintEvent(QPaintEvent* event) {
   }
 }
 
-}  // namespace brelant::z7731
+}  // namespace brelant::alarms
