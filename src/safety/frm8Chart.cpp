@@ -418,15 +418,15 @@ bool frm8Chart::FormRead(bool toSensor) {
 void frm8Chart::Send(KICOM2& sens, const Write& write, bool toSensor) {
   auto& session = context_.session;
   relaysAreReset_ = relaysAreReset_ || (write.value == kRelayReset && IsRelay(write.name));
-  const auto send = [&] { sens.Nodes().FindNode(write.name, "").SetValue(toSensor, write.value); };
-  try {
-    return send();
-  } catch (const ConnectionError&) {
-    if (!relaysAreReset_ || !session.CancelPressed || session.Over()) throw;
+  for (;;) {
+    try {
+      return sens.Nodes().FindNode(write.name, "").SetValue(toSensor, write.value);
+    } catch (const ConnectionError&) {
+      if (!relaysAreReset_ || !session.CancelPressed || session.Over()) throw;
+    }
+    session.CancelPressed = false;
+    session.LastError.clear();
   }
-  session.CancelPressed = false;
-  session.LastError.clear();
-  send();
 }
 
 frm8Chart::Channels frm8Chart::ChosenSequence() const {

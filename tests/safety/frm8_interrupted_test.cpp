@@ -129,7 +129,11 @@ TEST_F(Frm8InterruptedTest, ACancelComesTooLateForTheRelays) {
   for (const char* moment : {"E4436 = 153", "E4438 = 153", "E4580 = 37302", "E4436 = 1881"}) {
     session.sessionOver = false;
     Start();
-    When(moment, [this] { EXPECT_TRUE(Click(ground.msg.Command1)); });
+    When(moment, [this] {
+      EXPECT_TRUE(Click(ground.msg.Command1));
+      // Also one who presses it again.
+      After(milliseconds(10), [this] { Click(ground.msg.Command1); });
+    });
     ClickInLoop(panel.btnSendToSensor);
     ExpectRelays();
     EXPECT_THAT(Told(), IsEmpty()) << moment;
